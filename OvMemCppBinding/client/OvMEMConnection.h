@@ -93,16 +93,14 @@ public:
     // nothing, and then `sharedClients` by the clients that share the events
     // now. When the second step fails, `events` is already new and
     // `sharedClients` is empty.
-    void getEvents(std::string& events,
-                   std::vector<std::string>& sharedClients,
+    void getEvents(std::string& events, std::vector<std::string>& sharedClients,
                    std::string& logCorrelationId);
 
     // Hands `events` to the service and appends the clients that share them
     // to `sharedClients`. The transport carries texts: a NUL byte ends the
     // piece of `events` in which it stands
     // (docs/irregularities.md#nul-cuts-the-text).
-    void putEvents(std::string& events,
-                   std::vector<std::string>& sharedClients,
+    void putEvents(std::string& events, std::vector<std::string>& sharedClients,
                    std::string& logCorrelationId);
 
     // Service check.
