@@ -1,9 +1,9 @@
 #ifndef OVMEMCPPBINDING_UTIL_CONVERSIONREPORT_H
 #define OVMEMCPPBINDING_UTIL_CONVERSIONREPORT_H
 
-#include <unicode/ucnv.h>
-
 #include <string>
+
+#include <unicode/ucnv.h>
 
 namespace Orvane::Net::OvModelEventManager::Util {
 

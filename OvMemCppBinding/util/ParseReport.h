@@ -2,6 +2,7 @@
 #define OVMEMCPPBINDING_UTIL_PARSEREPORT_H
 
 #include <string>
+
 #include <xercesc/sax/SAXParseException.hpp>
 
 namespace Orvane::Net::OvModelEventManager::Util {

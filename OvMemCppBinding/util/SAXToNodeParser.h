@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 

@@ -1,12 +1,12 @@
 #ifndef OVMEMCPPBINDING_UTIL_UTF8CONVERSION_H
 #define OVMEMCPPBINDING_UTIL_UTF8CONVERSION_H
 
-#include <unicode/ucnv.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+
+#include <unicode/ucnv.h>
 
 // Conversion between the default code page of the process, as ICU knows it,
 // and UTF-8.
