@@ -1,0 +1,20 @@
+#include "OvMemCppBinding/client/Utf8ConversionException.h"
+
+namespace Orvane::Net::OvModelEventManager::Client {
+
+Utf8ConversionException::Utf8ConversionException(int type,
+                                                 const std::string& message)
+    : OvMEMException(type, message) {}
+
+Utf8ConversionException::Utf8ConversionException(const std::string& message)
+    : OvMEMException(message) {}
+
+Utf8ConversionException::Utf8ConversionException(
+    const Utf8ConversionException& other) = default;
+
+Utf8ConversionException& Utf8ConversionException::operator=(
+    const Utf8ConversionException& other) = default;
+
+Utf8ConversionException::~Utf8ConversionException() = default;
+
+}  // namespace Orvane::Net::OvModelEventManager::Client
