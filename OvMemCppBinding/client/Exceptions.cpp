@@ -7,9 +7,15 @@ Exception::Exception(int typeCode, const std::string& text)
 
 Exception::Exception(const std::string& text) : Exception(0, text) {}
 
-Exception::Exception(const Exception& other) = default;
+Exception::Exception(const Exception& other)
+    : reserved(other.reserved), type(other.type), message(other.message) {}
 
-Exception& Exception::operator=(const Exception& other) = default;
+Exception& Exception::operator=(const Exception& other) {
+    reserved = other.reserved;
+    type = other.type;
+    message = other.message;
+    return *this;
+}
 
 Exception::~Exception() = default;
 
@@ -21,11 +27,10 @@ const std::string& Exception::getMessage() const {
     return message;
 }
 
-OvMEMException::OvMEMException(int type, const std::string& message)
-    : Exception(type, message) {}
+OvMEMException::OvMEMException(int typeCode, const std::string& text)
+    : Exception(typeCode, text) {}
 
-OvMEMException::OvMEMException(const std::string& message)
-    : Exception(message) {}
+OvMEMException::OvMEMException(const std::string& text) : Exception(text) {}
 
 OvMEMException::OvMEMException(const OvMEMException& other) = default;
 
@@ -34,12 +39,12 @@ OvMEMException& OvMEMException::operator=(const OvMEMException& other) =
 
 OvMEMException::~OvMEMException() = default;
 
-OvMEMConnectionException::OvMEMConnectionException(int type,
-                                                   const std::string& message)
-    : OvMEMException(type, message) {}
+OvMEMConnectionException::OvMEMConnectionException(int typeCode,
+                                                   const std::string& text)
+    : OvMEMException(typeCode, text) {}
 
-OvMEMConnectionException::OvMEMConnectionException(const std::string& message)
-    : OvMEMException(message) {}
+OvMEMConnectionException::OvMEMConnectionException(const std::string& text)
+    : OvMEMException(text) {}
 
 OvMEMConnectionException::OvMEMConnectionException(
     const OvMEMConnectionException& other) = default;
@@ -49,12 +54,12 @@ OvMEMConnectionException& OvMEMConnectionException::operator=(
 
 OvMEMConnectionException::~OvMEMConnectionException() = default;
 
-OvMEMProtocolException::OvMEMProtocolException(int type,
-                                               const std::string& message)
-    : OvMEMException(type, message) {}
+OvMEMProtocolException::OvMEMProtocolException(int typeCode,
+                                               const std::string& text)
+    : OvMEMException(typeCode, text) {}
 
-OvMEMProtocolException::OvMEMProtocolException(const std::string& message)
-    : OvMEMException(message) {}
+OvMEMProtocolException::OvMEMProtocolException(const std::string& text)
+    : OvMEMException(text) {}
 
 OvMEMProtocolException::OvMEMProtocolException(
     const OvMEMProtocolException& other) = default;
@@ -64,12 +69,12 @@ OvMEMProtocolException& OvMEMProtocolException::operator=(
 
 OvMEMProtocolException::~OvMEMProtocolException() = default;
 
-OvMEMRuntimeException::OvMEMRuntimeException(int type,
-                                             const std::string& message)
-    : OvMEMException(type, message) {}
+OvMEMRuntimeException::OvMEMRuntimeException(int typeCode,
+                                             const std::string& text)
+    : OvMEMException(typeCode, text) {}
 
-OvMEMRuntimeException::OvMEMRuntimeException(const std::string& message)
-    : OvMEMException(message) {}
+OvMEMRuntimeException::OvMEMRuntimeException(const std::string& text)
+    : OvMEMException(text) {}
 
 OvMEMRuntimeException::OvMEMRuntimeException(
     const OvMEMRuntimeException& other) = default;
@@ -79,13 +84,12 @@ OvMEMRuntimeException& OvMEMRuntimeException::operator=(
 
 OvMEMRuntimeException::~OvMEMRuntimeException() = default;
 
-OvMEMUnrecognisedException::OvMEMUnrecognisedException(
-    int type, const std::string& message)
-    : OvMEMException(type, message) {}
+OvMEMUnrecognisedException::OvMEMUnrecognisedException(int typeCode,
+                                                       const std::string& text)
+    : OvMEMException(typeCode, text) {}
 
-OvMEMUnrecognisedException::OvMEMUnrecognisedException(
-    const std::string& message)
-    : OvMEMException(message) {}
+OvMEMUnrecognisedException::OvMEMUnrecognisedException(const std::string& text)
+    : OvMEMException(text) {}
 
 OvMEMUnrecognisedException::OvMEMUnrecognisedException(
     const OvMEMUnrecognisedException& other) = default;

@@ -2,12 +2,12 @@
 
 namespace Orvane::Net::OvModelEventManager::Client {
 
-Utf8ConversionException::Utf8ConversionException(int type,
-                                                 const std::string& message)
-    : OvMEMException(type, message) {}
+Utf8ConversionException::Utf8ConversionException(int typeCode,
+                                                 const std::string& text)
+    : OvMEMException(typeCode, text) {}
 
-Utf8ConversionException::Utf8ConversionException(const std::string& message)
-    : OvMEMException(message) {}
+Utf8ConversionException::Utf8ConversionException(const std::string& text)
+    : OvMEMException(text) {}
 
 Utf8ConversionException::Utf8ConversionException(
     const Utf8ConversionException& other) = default;
