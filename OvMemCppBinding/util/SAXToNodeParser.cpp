@@ -1,0 +1,168 @@
+#include "OvMemCppBinding/util/SAXToNodeParser.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/sax2/XMLReaderFactory.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+#include "OvMemCppBinding/util/DomException.h"
+#include "OvMemCppBinding/util/ParseReport.h"
+
+namespace Orvane::Net::OvModelEventManager::Util {
+
+using xercesc::XMLPlatformUtils;
+
+namespace {
+
+constexpr char substituteCharacter = 0x1A;
+
+// Deliberate: one plain flag for the process.
+// See docs/irregularities.md#substitute-flag.
+bool replaceSubCharacters = false;
+
+// Without its platform the XML library would end the process.
+void requirePlatform() {
+    if (XMLPlatformUtils::fgMemoryManager == nullptr)
+        throw DomException("XML parser platform is not initialised");
+}
+
+struct ReleaseText {
+    void operator()(char* text) const {
+        xercesc::XMLString::release(&text, XMLPlatformUtils::fgMemoryManager);
+    }
+};
+
+}  // namespace
+
+SAXToNodeParser::SAXToNodeParser()
+    : currentNode(nullptr), documentText(nullptr) {}
+
+SAXToNodeParser::~SAXToNodeParser() = default;
+
+XMLNode* SAXToNodeParser::parseString(const std::string& xml) {
+    prepareReader();
+    documentName = "From String";
+    documentText = xml.c_str();
+    // The terminating NUL is part of the input, and an embedded one ends it.
+    xercesc::MemBufInputSource source(
+        reinterpret_cast<const XMLByte*>(documentText),
+        std::strlen(documentText) + 1, "From-String", false,
+        XMLPlatformUtils::fgMemoryManager);
+    source.setCopyBufToStream(false);
+    reader->parse(source);
+    return rootNode.get();
+}
+
+XMLNode* SAXToNodeParser::parseFile(const std::string& fileName) {
+    prepareReader();
+    documentName = fileName;
+    reader->parse(fileName.c_str());
+    return rootNode.get();
+}
+
+XMLNode* SAXToNodeParser::getRootNode() {
+    if (!rootNode)
+        rootNode = std::make_unique<XMLNode>();
+    return rootNode.get();
+}
+
+void SAXToNodeParser::setReplaceSubCharacters(bool on) {
+    replaceSubCharacters = on;
+}
+
+void SAXToNodeParser::prepareReader() {
+    requirePlatform();
+    rootNode.reset();
+    std::unique_ptr<xercesc::SAX2XMLReader> created(
+        xercesc::XMLReaderFactory::createXMLReader(
+            XMLPlatformUtils::fgMemoryManager));
+    // Deliberate: the reader of an earlier parse is not deleted.
+    // See docs/irregularities.md#one-parse-per-parser.
+    static_cast<void>(reader.release());
+    reader = std::move(created);
+    reader->setContentHandler(this);
+    reader->setErrorHandler(this);
+}
+
+// Deliberate: `length` is not used; the chunk ends at its NUL.
+void SAXToNodeParser::characters(const XMLCh* chars, XMLSize_t) {
+    const std::string text = transcodeToString(chars, replaceSubCharacters);
+    if (currentNode != nullptr)
+        currentNode->text += text;
+}
+
+void SAXToNodeParser::endDocument() {}
+
+void SAXToNodeParser::endElement(const XMLCh*, const XMLCh*, const XMLCh*) {
+    if (currentNode != nullptr)
+        currentNode = currentNode->parent;
+    else
+        std::cerr << "End element called when not inside one!" << std::endl;
+}
+
+void SAXToNodeParser::ignorableWhitespace(const XMLCh*, XMLSize_t) {}
+
+void SAXToNodeParser::processingInstruction(const XMLCh*, const XMLCh*) {}
+
+void SAXToNodeParser::startDocument() {}
+
+void SAXToNodeParser::startElement(const XMLCh* uri, const XMLCh* localname,
+                                   const XMLCh*,
+                                   const xercesc::Attributes& attrs) {
+    auto node = std::make_unique<XMLNode>();
+    node->name = transcodeToString(localname, false);
+    node->namespaceURI = transcodeToString(uri, false);
+    for (XMLSize_t i = 0; i < attrs.getLength(); ++i) {
+        const std::string value =
+            transcodeToString(attrs.getValue(i), replaceSubCharacters);
+        node->setAttribute(transcodeToString(attrs.getLocalName(i), false),
+                           value);
+    }
+
+    if (!rootNode) {
+        rootNode = std::move(node);
+        currentNode = rootNode.get();
+    } else if (currentNode != nullptr) {
+        node->parent = currentNode;
+        currentNode->children.push_back(node.get());
+        currentNode = node.release();
+    }
+    // Else there is no element for it to stand in, and it is dropped.
+}
+
+// Deliberate: a warning is composed and dropped.
+// See docs/irregularities.md#warnings-are-dropped.
+void SAXToNodeParser::warning(const xercesc::SAXParseException& exception) {
+    static_cast<void>(composeParseReport("Warning: parsing: ", exception,
+                                         documentName, documentText));
+}
+
+void SAXToNodeParser::error(const xercesc::SAXParseException& exception) {
+    throw DomException(composeParseReport("Error: parsing: ", exception,
+                                          documentName, nullptr));
+}
+
+void SAXToNodeParser::fatalError(const xercesc::SAXParseException& exception) {
+    throw DomException(composeParseReport("Fatal Error: parsing: ", exception,
+                                          documentName, nullptr));
+}
+
+std::string transcodeToString(const XMLCh* source, bool replaceSub) {
+    if (source == nullptr)
+        return std::string();
+    const std::unique_ptr<char, ReleaseText> transcoded(
+        xercesc::XMLString::transcode(source,
+                                      XMLPlatformUtils::fgMemoryManager));
+    char* const text = transcoded.get();
+    const std::size_t length = std::strlen(text);
+    if (replaceSub)
+        std::replace(text, text + length, substituteCharacter, '?');
+    return std::string(text, length);
+}
+
+}  // namespace Orvane::Net::OvModelEventManager::Util
