@@ -1,0 +1,30 @@
+"""Runs every check over a tree: main.py ROOT. Exits with 1 on a finding."""
+
+import sys
+
+import clang_format
+import headers
+import include_graph
+import layout
+import links
+import references
+import scripts
+import test_names
+from tree import Tree
+
+CHECKS = [layout, references, headers, include_graph, links, scripts, test_names,
+          clang_format]
+
+
+def main(root):
+    tree = Tree(root)
+    findings = [f for check in CHECKS for f in check.check(tree)]
+    for path, line, text in sorted(findings):
+        print(f"{path}:{line}: {text}" if line else f"{path}: {text}")
+    if findings:
+        print(f"scripts/lint: {len(findings)} findings", file=sys.stderr)
+    return 1 if findings else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1]))
