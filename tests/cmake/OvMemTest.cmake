@@ -1,0 +1,67 @@
+# How tests become CTest entries.
+#
+# ovmem_add_test_program(<target> SOURCES ... [LIBS ...] [SCRIPTED])
+#
+# A program of GoogleTest suites, linked with the objects of the whole library.
+# SCRIPTED adds the scripted transport and logging library; without it, LIBS
+# says what stands behind the two closed libraries.
+#
+# ovmem_add_test(NAME <folder>.<Class> PROGRAM <target> [SUITES ...]
+#   [LABELS ...])
+#
+# The CTest entry ovmem.<folder>.<Class>: the named suites of a program, those
+# of a parameterised or typed test included. Without SUITES it is the one that
+# bears the last part of the name. An entry that selects no test fails.
+#
+# ovmem_add_test(NAME <folder>.<Class> SOURCES ... [LIBS ...] [SCRIPTED]
+#   [LABELS ...])
+#
+# The same with a program of its own, of which every test is run.
+
+set(OVMEM_TEST_TIMEOUT 120 CACHE STRING "Seconds that one CTest entry may take")
+
+function(ovmem_add_test_program target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "SCRIPTED" "" "SOURCES;LIBS")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "${target}: unknown ${arg_UNPARSED_ARGUMENTS}")
+  endif()
+  add_executable(${target} ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE
+    OvMemCppBindingObjects ovmem_test_support GTest::gmock_main ${arg_LIBS})
+  if(arg_SCRIPTED)
+    target_link_libraries(${target} PRIVATE ovmem_scripted_platform)
+  endif()
+endfunction()
+
+function(ovmem_add_test)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "SCRIPTED" "NAME;PROGRAM"
+    "SOURCES;LIBS;SUITES;LABELS")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "${arg_NAME}: unknown ${arg_UNPARSED_ARGUMENTS}")
+  endif()
+  set(filter "*")
+  if(arg_SOURCES)
+    string(REPLACE "." "_" arg_PROGRAM "ovmem_test_${arg_NAME}")
+    set(scripted)
+    if(arg_SCRIPTED)
+      set(scripted SCRIPTED)
+    endif()
+    ovmem_add_test_program(${arg_PROGRAM}
+      SOURCES ${arg_SOURCES} LIBS ${arg_LIBS} ${scripted})
+  elseif(NOT arg_SUITES)
+    string(REGEX REPLACE "^.*\\." "" arg_SUITES "${arg_NAME}")
+  endif()
+  if(arg_SUITES)
+    set(filter)
+    foreach(suite IN LISTS arg_SUITES)
+      list(APPEND filter "${suite}.*" "*/${suite}.*" "${suite}/*" "*/${suite}/*")
+    endforeach()
+    list(JOIN filter ":" filter)
+  endif()
+  add_test(NAME ovmem.${arg_NAME}
+    COMMAND ${arg_PROGRAM} "--gtest_filter=${filter}" --gtest_brief=0)
+  set_tests_properties(ovmem.${arg_NAME} PROPERTIES
+    LABELS "${arg_LABELS}"
+    TIMEOUT ${OVMEM_TEST_TIMEOUT}
+    FAIL_REGULAR_EXPRESSION "Running 0 tests from 0 test suites")
+endfunction()
