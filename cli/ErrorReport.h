@@ -1,0 +1,28 @@
+#ifndef CLI_ERRORREPORT_H
+#define CLI_ERRORREPORT_H
+
+#include <optional>
+#include <string>
+
+#include "cli/ExitCode.h"
+
+namespace ovmem::cli {
+
+// A caught exception in words: everything that ovmem tells about a failure.
+struct ErrorReport {
+    ExitCode exitCode;
+    std::string className;    // "OvMEMProtocolException"
+    std::optional<int> type;  // the type code, where the class has one
+    std::string text;         // the exception's own, byte for byte
+    std::string advice;       // what to do about it; may be empty
+};
+
+// Reports the exception being handled, whatever it is.
+//
+// REQUIRES: is called in a catch block, once: an exception that was thrown as
+// a pointer is deleted here.
+ErrorReport reportCurrentException();
+
+}  // namespace ovmem::cli
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef CLI_FAILURE_H
+#define CLI_FAILURE_H
+
+#include <string>
+
+#include "cli/ExitCode.h"
+
+namespace ovmem::cli {
+
+// A failure that ovmem itself finds: an argument or a text it refuses, a local
+// file or stream it cannot read or write. Failures of the library keep their
+// own classes.
+struct Failure {
+    ExitCode exitCode;   // Usage or InputOutput
+    std::string text;    // what happened
+    std::string advice;  // what to do; may be empty
+};
+
+}  // namespace ovmem::cli
+
+#endif

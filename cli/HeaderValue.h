@@ -1,0 +1,23 @@
+#ifndef CLI_HEADERVALUE_H
+#define CLI_HEADERVALUE_H
+
+#include <string>
+
+namespace ovmem::cli {
+
+// Refuses a value that would not arrive as it was given. The identity and the
+// locale travel as header lines of the request, so a value
+//   - must not hold a carriage return or a line feed, which end the line;
+//   - must not be "null", which is sent as an empty value;
+//   - must be text in the code page of the process's locale, from which it is
+//     converted to UTF-8.
+//
+// `option` is named in the refusal: "--server".
+//
+// REQUIRES: std::setlocale has been called.
+// THROWS: Failure with ExitCode::Usage.
+void checkHeaderValue(const std::string& option, const std::string& value);
+
+}  // namespace ovmem::cli
+
+#endif

@@ -1,0 +1,97 @@
+#include "cli/JsonObject.h"
+
+#include <algorithm>
+
+#include "cli/Base64.h"
+#include "cli/Utf8.h"
+
+namespace ovmem::cli {
+
+namespace {
+
+std::string quoteControl(char control) {
+    const char digits[] = "0123456789abcdef";
+    const auto value = static_cast<unsigned char>(control);
+    return {'\\', 'u', '0', '0', digits[value >> 4], digits[value & 0xF]};
+}
+
+// REQUIRES: `text` is UTF-8.
+std::string quote(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        switch (c) {
+            case '"':
+                quoted += "\\\"";
+                break;
+            case '\\':
+                quoted += "\\\\";
+                break;
+            case '\n':
+                quoted += "\\n";
+                break;
+            case '\r':
+                quoted += "\\r";
+                break;
+            case '\t':
+                quoted += "\\t";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    quoted += quoteControl(c);
+                } else {
+                    quoted += c;
+                }
+        }
+    }
+    return quoted + '"';
+}
+
+std::string encodedName(std::string_view name) {
+    return std::string(name) + "Base64";
+}
+
+}  // namespace
+
+void JsonObject::add(std::string_view name, std::string_view text) {
+    if (isUtf8(text)) {
+        addRaw(name, quote(text));
+    } else {
+        addRaw(encodedName(name), quote(toBase64(text)));
+    }
+}
+
+void JsonObject::add(std::string_view name, const char* text) {
+    add(name, std::string_view(text));
+}
+
+void JsonObject::add(std::string_view name,
+                     const std::vector<std::string>& texts) {
+    const bool plain =
+        std::all_of(texts.begin(), texts.end(),
+                    [](const std::string& text) { return isUtf8(text); });
+    std::string list;
+    for (const std::string& text : texts) {
+        list += list.empty() ? "" : ",";
+        list += quote(plain ? text : toBase64(text));
+    }
+    addRaw(plain ? std::string(name) : encodedName(name), '[' + list + ']');
+}
+
+void JsonObject::add(std::string_view name, long long number) {
+    addRaw(name, std::to_string(number));
+}
+
+void JsonObject::add(std::string_view name, bool value) {
+    addRaw(name, value ? "true" : "false");
+}
+
+std::string JsonObject::line() const {
+    return '{' + members + "}\n";
+}
+
+void JsonObject::addRaw(std::string_view name, const std::string& value) {
+    members += members.empty() ? "" : ",";
+    members += quote(name) + ':' + value;
+}
+
+}  // namespace ovmem::cli

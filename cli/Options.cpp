@@ -1,0 +1,155 @@
+#include "cli/Options.h"
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/ExitCode.h"
+#include "cli/Failure.h"
+#include "cli/HeaderValue.h"
+
+namespace ovmem::cli {
+
+namespace {
+
+const char DESCRIPTION[] =
+    "Talks to a Model Event Manager: registers a client, puts and gets events.";
+
+const char FOOTER[] = R"(
+Data goes to standard output, words to standard error. The clients that share
+the events are written one a line; get writes the events byte for byte.
+
+Identity. A registration belongs to the service, but every run is a connection
+of its own, which knows it only by registering. With --server, the commands
+clients, put, get and unregister therefore register the identity again first;
+what waits for it stays. The first time, they register it anew: it receives
+events from then on. Without --server they run on a connection that is not
+registered, and report what the library says to that.
+
+JSON. With --json, the data is one object on one line, and so is an error, on
+standard error. A text that is not UTF-8 is given in base64, under its name
+with "Base64" added ("eventsBase64").
+
+Undelivered events. When get cannot write what it has fetched, it saves the
+events in a file and says where.
+
+Exit codes:
+)";
+
+struct Commands {
+    CLI::App* status;
+    CLI::App* registerClient;
+    CLI::App* clients;
+    CLI::App* put;
+    CLI::App* get;
+    CLI::App* unregister;
+};
+
+Commands addCommands(CLI::App& app, Options& options) {
+    Commands commands{
+        app.add_subcommand("status", "Ask whether the service is alive"),
+        app.add_subcommand("register", "Register; write who shares the events"),
+        app.add_subcommand("clients", "Write who shares the events"),
+        app.add_subcommand("put", "Send events from files or standard input"),
+        app.add_subcommand("get", "Fetch the waiting events, write them out"),
+        app.add_subcommand("unregister", "Unregister; write who remains"),
+    };
+    commands.put
+        ->add_option("FILE", options.files,
+                     "Event texts, sent as one in this order;\n'-' or nothing "
+                     "is standard input")
+        ->type_name("");
+    for (CLI::App* command : app.get_subcommands({})) {
+        command->footer("\nThe common options: ovmem --help");
+    }
+    return commands;
+}
+
+Command chosen(const Commands& commands) {
+    if (commands.registerClient->parsed()) {
+        return Command::Register;
+    }
+    if (commands.clients->parsed()) {
+        return Command::Clients;
+    }
+    if (commands.put->parsed()) {
+        return Command::Put;
+    }
+    if (commands.get->parsed()) {
+        return Command::Get;
+    }
+    if (commands.unregister->parsed()) {
+        return Command::Unregister;
+    }
+    return Command::Status;
+}
+
+// True if the command line asked for an answer, which is then in `options`.
+bool parse(CLI::App& app, int count, const char* const* arguments,
+           Options& options) {
+    try {
+        app.parse(count, arguments);
+        return false;
+    } catch (const CLI::CallForHelp&) {
+        options.answer = app.help();
+    } catch (const CLI::CallForVersion& version) {
+        options.answer = std::string(version.what()) + "\n";
+    } catch (const CLI::ParseError& error) {
+        throw Failure{ExitCode::Usage, std::string(error.what()) + ".",
+                      "'ovmem --help' lists the commands and options."};
+    }
+    return true;
+}
+
+void checkIdentity(const Options& options, bool hasClient) {
+    if (options.command == Command::Register && !options.server) {
+        throw Failure{ExitCode::Usage, "register needs --server.",
+                      "Give --server, or set OVMEM_SERVER."};
+    }
+    if (options.server && !hasClient) {
+        throw Failure{ExitCode::Usage, "--server needs --client as well.",
+                      "Give --client, or set OVMEM_CLIENT."};
+    }
+    checkHeaderValue("--server", options.server.value_or(""));
+    checkHeaderValue("--client", options.client);
+    checkHeaderValue("--locale", options.locale);
+}
+
+}  // namespace
+
+Options parseOptions(int count, const char* const* arguments) {
+    Options options;
+    std::string server;
+    CLI::App app(DESCRIPTION, "ovmem");
+    app.footer(FOOTER + listExitCodes());
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.set_version_flag("--version", "ovmem " OVMEM_VERSION,
+                         "Write the version and end");
+    app.set_help_flag("--help", "Write this help and end");
+    const CLI::Option* serverOption =
+        app.add_option("--server", server, "The server identity")
+            ->envname("OVMEM_SERVER");
+    const CLI::Option* clientOption =
+        app.add_option("--client", options.client, "The client identity")
+            ->envname("OVMEM_CLIENT");
+    app.add_option("--locale", options.locale, "The locale of the client")
+        ->envname("OVMEM_LOCALE");
+    app.add_flag("--json", options.json, "Write JSON");
+    app.add_flag("--quiet", options.quiet, "Write no words but errors");
+    const Commands commands = addCommands(app, options);
+
+    if (parse(app, count, arguments, options)) {
+        return options;
+    }
+    options.command = chosen(commands);
+    if (serverOption->count() > 0) {
+        options.server = server;
+    }
+    if (options.command != Command::Status) {
+        checkIdentity(options, clientOption->count() > 0);
+    }
+    return options;
+}
+
+}  // namespace ovmem::cli

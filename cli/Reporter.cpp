@@ -1,0 +1,55 @@
+#include "cli/Reporter.h"
+
+#include "cli/JsonObject.h"
+#include "cli/StandardStreams.h"
+
+namespace ovmem::cli {
+
+namespace {
+
+std::string toJson(const ErrorReport& error) {
+    JsonObject object;
+    object.add("error", error.className);
+    if (error.type) {
+        object.add("type", static_cast<long long>(*error.type));
+    }
+    object.add("text", error.text);
+    object.add("advice", error.advice);
+    object.add("exitCode", static_cast<long long>(error.exitCode));
+    return object.line();
+}
+
+// The XML layer's texts end in a line feed.
+std::string withoutLineEnd(const std::string& text) {
+    const std::size_t last = text.find_last_not_of('\n');
+    return last == std::string::npos ? "" : text.substr(0, last + 1);
+}
+
+std::string toWords(const ErrorReport& error) {
+    std::string words = "ovmem: " + error.className;
+    if (error.type) {
+        words += " (type " + std::to_string(*error.type) + ")";
+    }
+    words += ": " + withoutLineEnd(error.text) + "\n";
+    if (!error.advice.empty()) {
+        words += "ovmem: " + error.advice + "\n";
+    }
+    return words;
+}
+
+}  // namespace
+
+Reporter::Reporter(bool asJson, bool errorsOnly)
+    : json(asJson), quiet(errorsOnly) {}
+
+void Reporter::tell(const std::string& sentence) const {
+    if (!json && !quiet) {
+        writeWords("ovmem: " + sentence + "\n");
+    }
+}
+
+void Reporter::report(const ErrorReport& error) const {
+    writeWords(json ? toJson(error) : toWords(error));
+}
+
+}  // namespace ovmem::cli

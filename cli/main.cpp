@@ -1,0 +1,44 @@
+#include <algorithm>
+#include <clocale>
+#include <cstring>
+
+#include "cli/ErrorReport.h"
+#include "cli/Options.h"
+#include "cli/Reporter.h"
+#include "cli/Session.h"
+#include "cli/StandardStreams.h"
+
+using namespace ovmem::cli;
+
+namespace {
+
+// For an error found before the options are known.
+bool asksForJson(int count, char** arguments) {
+    return std::any_of(arguments, arguments + count, [](const char* argument) {
+        return std::strcmp(argument, "--json") == 0;
+    });
+}
+
+ExitCode run(int count, char** arguments) {
+    const Options options = parseOptions(count, arguments);
+    if (options.answer) {
+        writeOutput(*options.answer);
+        return ExitCode::Done;
+    }
+    const Reporter reporter(options.json, options.quiet);
+    return Session(options, reporter).run();
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    guardStandardStreams();
+    std::setlocale(LC_ALL, "");  // before any conversion of text
+    try {
+        return static_cast<int>(run(count, arguments));
+    } catch (...) {
+        const ErrorReport error = reportCurrentException();
+        Reporter(asksForJson(count, arguments), false).report(error);
+        return static_cast<int>(error.exitCode);
+    }
+}
