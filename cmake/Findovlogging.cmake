@@ -7,8 +7,10 @@ find_package_handle_standard_args(ovlogging
   REASON_FAILURE_MESSAGE
     "set ovlogging_ROOT to the folder that holds lib/libovlogging.so")
 if(ovlogging_FOUND AND NOT TARGET OvMem::Logging)
-  add_library(OvMem::Logging UNKNOWN IMPORTED)
+  add_library(OvMem::Logging SHARED IMPORTED)
+  # Linked by name; FindOvMemBinding.cmake says why.
   set_target_properties(OvMem::Logging PROPERTIES
-    IMPORTED_LOCATION "${ovlogging_LIBRARY}")
+    IMPORTED_LOCATION "${ovlogging_LIBRARY}"
+    IMPORTED_NO_SONAME ON)
 endif()
 mark_as_advanced(ovlogging_LIBRARY)

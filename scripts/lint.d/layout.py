@@ -38,7 +38,8 @@ def _white_space(tree, path, kind):
     for number, line in tree.lines(path):
         if line != line.rstrip():
             yield Finding(path, number, "white space at the end of the line")
-        if "\t" in line and kind in SOURCES:
+        # In C++ clang-format sees to it, and knows a tab in a raw string.
+        if "\t" in line and kind in SOURCES and kind != "cpp":
             yield Finding(path, number, "a tab; indent with blanks")
     if text and not text.endswith("\n"):
         yield Finding(path, 0, "no line feed at the end of the file")

@@ -1,4 +1,4 @@
-"""Links between documents, and from comments to documents, lead somewhere."""
+"""Links between documents, and from sources to documents, lead somewhere."""
 
 import os
 import re
@@ -19,7 +19,7 @@ def check(tree):
                                os.path.dirname(path))
     if not any(p.startswith("docs/") for p in tree.of_kind("markdown")):
         return  # a tree without documents
-    for path in tree.of_kind("cpp", "cmake", "shell", "python"):
+    for path in tree.of_kind("cpp", "cmake", "shell"):
         for number, line in tree.lines(path):
             for mention in MENTION.findall(line):
                 yield from _follow(tree, known, path, number, mention, "")

@@ -28,10 +28,9 @@ def _python(tree, path):
 
 
 def _shell(tree, path):
-    shell = "bash" if "bash" in tree.text(path).split("\n", 1)[0] else "sh"
-    parsed = subprocess.run([shell, "-n", tree.file(path)], text=True,
+    parsed = subprocess.run(["bash", "-n", tree.file(path)], text=True,
                             stderr=subprocess.PIPE)
     if parsed.returncode:
         yield Finding(path, 0, parsed.stderr.strip())
-    if "set -e" not in tree.text(path):
+    if tree.text(path).startswith("#!") and "set -e" not in tree.text(path):
         yield Finding(path, 0, "does not 'set -e': a failing command would pass")

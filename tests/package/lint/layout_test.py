@@ -29,10 +29,10 @@ class Layout(unittest.TestCase):
         self.assertEqual([], findings(layout, {"README.md": "| " + "x" * 200 + " |\n"}))
 
     def test_white_space_tabs_and_a_missing_line_feed_are_found(self):
-        self.assertEqual(["a.cpp:0: no line feed at the end of the file",
-                          "a.cpp:1: white space at the end of the line",
-                          "a.cpp:2: a tab; indent with blanks"],
-                         findings(layout, {"a.cpp": "int a; \n\tint b;"}))
+        self.assertEqual(["a.cmake:0: no line feed at the end of the file",
+                          "a.cmake:1: white space at the end of the line",
+                          "a.cmake:2: a tab; indent with blanks"],
+                         findings(layout, {"a.cmake": "set(a) \n\tset(b)"}))
 
     def test_data_is_left_alone(self):
         self.assertEqual([], findings(layout, {"tests/data/reply.xml": "a \n\tb"}))
