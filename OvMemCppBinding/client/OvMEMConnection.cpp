@@ -116,10 +116,9 @@ void OvMEMConnection::unregisterClient(
     } catch (const Exception& failure) {
         // Deliberate: what is thrown is a plain Exception.
         // See docs/irregularities.md#plain-exception.
-        const Exception copy(failure);
         serverId.clear();
         clientId.clear();
-        throw Exception(copy);
+        throw Exception(failure);
     }
 }
 

@@ -39,6 +39,7 @@ bool XmlStream::isFirstElement() const {
     return firstElement;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface is given.
 void XmlStream::addNamespaces(std::set<std::string> uris) {
     for (const std::string& uri : uris)
         addNamespace(uri);
