@@ -66,7 +66,7 @@ std::optional<std::string> saveToRescueFile(std::string_view bytes) {
         if (place.empty()) {
             continue;
         }
-        if (const auto path = saveIn(place, bytes)) {
+        if (auto path = saveIn(place, bytes)) {
             return path;
         }
     }
