@@ -1,0 +1,175 @@
+#include "OvMemCppBinding/platform/OvMemBinding.h"
+
+#include <memory>
+#include <new>
+#include <string>
+
+#include "emulator/OvMemBinding/Exchange.h"
+#include "emulator/OvMemBinding/LastError.h"
+#include "emulator/OvMemBinding/Transport.h"
+#include "emulator/manager/EventManager.h"
+#include "emulator/manager/Refusal.h"
+#include "emulator/manager/SharedClientsReplies.h"
+#include "emulator/store/StoreError.h"
+
+namespace {
+
+using namespace Orvane::Net::OvModelEventManager::Emulator;
+
+// What one thread has under way.
+struct Thread {
+    std::weak_ptr<Session> session;  // to which the exchange belongs
+    Exchange exchange;
+    SharedClientsReplies replies;
+    LastError lastError;
+};
+
+Thread& thread() {
+    thread_local Thread current;
+    return current;
+}
+
+struct Statuses {  // for what is not a refusal
+    int32_t unavailable = Status::unavailable;
+    int32_t failure = Status::failure;
+};
+
+int32_t failed(int32_t status, const char* text) noexcept {
+    if (status != Status::outOfOrder) {
+        thread().exchange.abandon();
+    }
+    thread().lastError.set(text);
+    return status;
+}
+
+// Runs a call and turns what it throws into a status: the frames above are C.
+template <typename Call>
+int32_t guarded(Call call, Statuses statuses = {}) noexcept {
+    thread().lastError.clear();
+    try {
+        return call();
+    } catch (const Refusal& refusal) {
+        return failed(refusal.status, refusal.what());
+    } catch (const StoreError& error) {
+        return failed(statuses.unavailable, error.what());
+    } catch (const std::bad_alloc&) {
+        return failed(statuses.failure, nullptr);
+    } catch (const std::exception& error) {
+        return failed(statuses.failure, error.what());
+    } catch (...) {
+        return failed(
+            statuses.failure,
+            "The emulator failed for a reason that it does not "
+            "know. Repeat the call, and report it if it fails again.");
+    }
+}
+
+std::shared_ptr<Session> startedSession() {
+    auto session = Transport::instance().session();
+    if (!session) {
+        throw Refusal(Status::outOfOrder,
+                      "The transport is not started. Call OvMem_Init before "
+                      "any other function.");
+    }
+    if (thread().session.lock() != session) {
+        thread().exchange = Exchange(session->heap);
+        thread().session = session;
+    }
+    return session;
+}
+
+void requirePointer(const void* pointer, const char* function) {
+    if (!pointer) {
+        throw Refusal(Status::malformed,
+                      std::string(function) +
+                          " was given a null pointer. Give it the address of "
+                          "a text or buffer.");
+    }
+}
+
+}  // namespace
+
+int32_t OvMem_Init(OvMemAllocate allocate, OvMemRelease release) {
+    return guarded(
+        [&] {
+            if (!allocate || !release) {
+                throw Refusal(Status::initMalformed,
+                              "OvMem_Init was given a null pointer. Give it "
+                              "two heap functions, such as malloc and free.");
+            }
+            Transport::instance().start({allocate, release});
+            return 0;
+        },
+        {Status::initUnavailable, Status::initFailure});
+}
+
+int32_t OvMem_Term(void) {
+    return guarded([] {
+        Transport::instance().stop();
+        if (!Transport::instance().session()) {
+            thread().exchange.abandon();
+        }
+        return 0;
+    });
+}
+
+int32_t OvMem_Send(const char* text) {
+    return guarded([&] {
+        const auto session = startedSession();
+        requirePointer(text, "OvMem_Send");
+        thread().exchange.send(text);
+        return 0;
+    });
+}
+
+int32_t OvMem_SendNoAck(const char* text) {
+    return guarded([&] {
+        const auto session = startedSession();
+        requirePointer(text, "OvMem_SendNoAck");
+        thread().exchange.sendPart(text);
+        return 1;  // go on
+    });
+}
+
+int32_t OvMem_SendEOF(void) {
+    return guarded([] {
+        const auto session = startedSession();
+        thread().exchange.endOfSend();
+        return 0;
+    });
+}
+
+int32_t OvMem_Receive(char* buffer) {
+    return guarded([&] {
+        const auto session = startedSession();
+        requirePointer(buffer, "OvMem_Receive");
+        EventManager manager(*session->store, thread().replies);
+        return thread().exchange.receive(manager, buffer);
+    });
+}
+
+int32_t OvMem_Complete(void) {
+    return guarded([] {
+        const auto session = startedSession();
+        EventManager manager(*session->store, thread().replies);
+        thread().exchange.complete(manager);
+        return 0;
+    });
+}
+
+int32_t OvMem_GetLastError(const char** text) {
+    if (!text) {
+        return guarded([&] {
+            requirePointer(text, "OvMem_GetLastError");
+            return 0;
+        });
+    }
+    *text = nullptr;
+    try {
+        const auto session = Transport::instance().session();
+        *text = thread().lastError.handOut(session ? &session->heap : nullptr);
+        return 0;
+    } catch (const std::exception&) {
+        return Status::failure;
+    }
+}

@@ -1,0 +1,76 @@
+#ifndef EMULATOR_STORE_SQLITESESSION_H
+#define EMULATOR_STORE_SQLITESESSION_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "emulator/store/EventStore.h"
+#include "emulator/store/SqliteOptions.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace Orvane::Net::OvModelEventManager::Emulator {
+
+struct SqliteStatements;
+
+// One process's open connection to a store in a SQLite file.
+//
+// Every write happens inside a gate (GatePassage) and a transaction that takes
+// the write lock at its start. Readers need neither. The list of clients is
+// read only when the server's epoch, which every coming and going raises, has
+// moved on; so a put costs the same however many clients there are.
+//
+// Threads: any; one at a time is let in. Not to be used, nor destroyed, in a
+// forked child: see SqliteStore.
+// THROWS: StoreError, and SQLite::Exception as it comes.
+class SqliteSession : public EventStore {
+public:
+    // Opens the file, and makes it a store if it is new.
+    explicit SqliteSession(const SqliteOptions& options);
+    ~SqliteSession() override;
+
+    ClientList registerClient(const Identity& caller) override;
+    ClientList unregisterClient(const Identity& caller) override;
+    ClientList sharedClients(const Identity& caller) override;
+    ClientList putEvents(const Identity& caller,
+                         std::string_view events) override;
+    std::optional<PendingEvents> getEvents(const Identity& caller) override;
+    void consume(const Identity& caller, std::int64_t upto) override;
+
+private:
+    struct Member {  // a registered caller
+        std::int64_t server = 0;
+        std::int64_t next = 0;
+        std::int64_t epoch = 0;
+        std::int64_t cursor = 0;
+    };
+    struct CachedList {
+        std::int64_t epoch = 0;
+        ClientList clients;
+    };
+    class Write;
+
+    std::optional<Member> member(const Identity& caller);
+    ClientList clientsOf(std::int64_t server, std::int64_t epoch);
+    void remember(std::int64_t server, std::int64_t epoch,
+                  const ClientList& clients);
+    void stepOverOwn(const Member& sender, const std::string& clientId,
+                     std::int64_t number);
+    void trim(std::int64_t server);
+
+    const std::string gate;
+    std::mutex mutex;
+    std::unique_ptr<SQLite::Database> database;
+    std::unique_ptr<SqliteStatements> statements;  // end before the database
+    std::map<std::int64_t, CachedList> lists;      // by server
+};
+
+}  // namespace Orvane::Net::OvModelEventManager::Emulator
+
+#endif
