@@ -18,7 +18,7 @@ refused() {
   if "${configure[@]}" "$@" >"$folder/log" 2>&1; then
     fail "the platform libraries are missing, and nobody said so"
   fi
-  tr -s ' \n' ' ' <"$folder/log" | grep -qF "$sentence" ||
+  tr -s ' \n' ' ' <"$folder/log" | grep -F "$sentence" >/dev/null ||
     { cat "$folder/log" && fail "expected the sentence: $sentence"; }
 }
 refused "set OvMemBinding_ROOT to the folder that holds lib/libOvMemBinding.so"
