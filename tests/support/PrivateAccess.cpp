@@ -36,6 +36,11 @@ struct Reserved {
     friend Member reveal(Reserved);
 };
 
+struct ReservedInException {
+    using Member = int Exception::*;
+    friend Member reveal(ReservedInException);
+};
+
 struct IsClientRegistered {
     using Member = bool (OvMEMConnection::*)();
     friend Member reveal(IsClientRegistered);
@@ -62,6 +67,7 @@ template struct Reveal<ClientId, &OvMEMConnection::clientId>;
 template struct Reveal<Locale, &OvMEMConnection::locale>;
 template struct Reveal<OvMemStarted, &OvMEMConnection::ovMemStarted>;
 template struct Reveal<Reserved, &OvMEMConnection::reserved>;
+template struct Reveal<ReservedInException, &Exception::reserved>;
 template struct Reveal<IsClientRegistered,
                        &OvMEMConnection::isClientRegistered>;
 template struct Reveal<InitOvMem, &OvMEMConnection::initOvMem>;
@@ -88,6 +94,10 @@ bool& ovMemStartedOf(OvMEMConnection& connection) {
 
 bool& reservedOf(OvMEMConnection& connection) {
     return connection.*reveal(Reserved());
+}
+
+int& reservedOf(Exception& exception) {
+    return exception.*reveal(ReservedInException());
 }
 
 bool isClientRegistered(OvMEMConnection& connection) {

@@ -3,12 +3,14 @@
 
 #include <string>
 
+#include "OvMemCppBinding/client/Exceptions.h"
 #include "OvMemCppBinding/client/OvMEMConnection.h"
 #include "OvMemCppBinding/client/OvMEMRequest.h"
 
-// The private members of a connection.
+// The private members of a connection, and of an exception.
 namespace OvMemTest {
 
+using Orvane::Net::OvModelEventManager::Client::Exception;
 using Orvane::Net::OvModelEventManager::Client::OvMEMConnection;
 using Orvane::Net::OvModelEventManager::Client::OvMEMRequest;
 
@@ -17,6 +19,8 @@ std::string& clientIdOf(OvMEMConnection& connection);
 std::string& localeOf(OvMEMConnection& connection);
 bool& ovMemStartedOf(OvMEMConnection& connection);
 bool& reservedOf(OvMEMConnection& connection);
+
+int& reservedOf(Exception& exception);
 
 bool isClientRegistered(OvMEMConnection& connection);
 void initOvMem(OvMEMConnection& connection);

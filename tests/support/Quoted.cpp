@@ -47,7 +47,7 @@ char takeEscaped(std::string_view& text) {
 
 }  // namespace
 
-std::string quoted(std::string_view bytes) {
+std::string inQuotes(std::string_view bytes) {
     std::string result = "\"";
     for (const char byte : bytes) {
         const auto value = static_cast<unsigned char>(byte);

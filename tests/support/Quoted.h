@@ -10,7 +10,7 @@ namespace OvMemTest {
 // return, a line feed, a quote and a backslash are escaped as in C++, any other
 // byte as \x and two lower-case digits. Two texts look the same only if they
 // are the same.
-std::string quoted(std::string_view bytes);
+std::string inQuotes(std::string_view bytes);
 
 // The bytes behind the quoted text that `text` begins with, and takes it off.
 //

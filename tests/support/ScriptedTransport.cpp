@@ -88,7 +88,7 @@ struct ScriptedTransportCall {
 
 private:
     static std::string argument(const char* text) {
-        return text == nullptr ? "null" : quoted(text);
+        return text == nullptr ? "null" : inQuotes(text);
     }
 
     std::int32_t status(Transport::Function function,

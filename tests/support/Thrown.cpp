@@ -54,7 +54,7 @@ Thrown thrownBy(const std::function<void()>& code) {
 
 std::ostream& operator<<(std::ostream& stream, const Thrown& thrown) {
     return stream << thrown.type << "(" << thrown.code << ", "
-                  << quoted(thrown.message) << ")";
+                  << inQuotes(thrown.message) << ")";
 }
 
 }  // namespace OvMemTest

@@ -1,0 +1,184 @@
+#include <cstdlib>
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include <unicode/uclean.h>
+#include <unicode/ucnv.h>
+
+#include "OvMemCppBinding/client/OvMEMRequest.h"
+#include "tests/support/Quoted.h"
+#include "tests/support/RunInChild.h"
+#include "tests/support/ScriptedPlatformTest.h"
+#include "tests/support/Thrown.h"
+
+// The header block of a streamed request as UTF-8. The code page and the heap
+// of ICU belong to the process, so most of these tests run in children.
+
+namespace Orvane::Net::OvModelEventManager::Client {
+
+using namespace OvMemTest;
+
+class OvMEMRequestConversion : public ScriptedPlatformTest {
+protected:
+    // Sends a header of that value from a process with that code page.
+    void expectSent(const char* codePage, const std::string& value,
+                    const std::string& utf8) {
+        runInChild([&] {
+            ucnv_setDefaultName(codePage);
+            OvMEMRequest request;
+            request.setHeader("Name", value.c_str());
+            request.sendHeaders();
+            EXPECT_EQ(transport.takeCalls(),
+                      (Calls{"OvMem_SendNoAck(" +
+                                 inQuotes("Name=" + utf8 + "\r\n\r\n") + ")",
+                             "OvMem_SendEOF()"}));
+        });
+    }
+
+    // An ICU may be built to know no other code page than UTF-8.
+    static bool codePageCanBeChosen() {
+        const std::string before = ucnv_getDefaultName();
+        ucnv_setDefaultName("ISO-8859-1");
+        const bool chosen = ucnv_getDefaultName() != std::string("UTF-8");
+        ucnv_setDefaultName(before.c_str());
+        return chosen;
+    }
+};
+
+TEST_F(OvMEMRequestConversion, TheBlockIsReadInTheDefaultCodePage) {
+    if (!codePageCanBeChosen()) {
+        GTEST_SKIP() << "the default code page of this ICU is always UTF-8";
+    }
+    expectSent("ISO-8859-1", "\xE9", "\xC3\xA9");
+    expectSent("windows-1252", "\x80", "\xE2\x82\xAC");
+    expectSent("Shift_JIS", "\x93\xFA\x96\x7B", "\xE6\x97\xA5\xE6\x9C\xAC");
+    expectSent("US-ASCII", "a\xE9z", "a\xEF\xBF\xBDz");
+}
+
+TEST_F(OvMEMRequestConversion, Utf8StaysUtf8) {
+    expectSent("UTF-8", "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x94\xA7",
+               "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x94\xA7");
+}
+
+TEST_F(OvMEMRequestConversion, WhatIsNoCharacterIsReplacedWithoutError) {
+    expectSent("UTF-8", "a\xFFz", "a\xEF\xBF\xBDz");
+    expectSent("UTF-8", "a\xC3", "a\xEF\xBF\xBD");
+}
+
+TEST_F(OvMEMRequestConversion, ALongBlockLosesNothing) {
+    for (const std::string before : {"", "a", "ab", "abc"}) {
+        std::string value = before;
+        for (int count = 0; count < 20000; ++count) {
+            value += "\xF0\x9F\x94\xA7";
+        }
+        expectSent("UTF-8", value, value);
+    }
+}
+
+TEST_F(OvMEMRequestConversion, OnlyTheHeadersAreConverted) {
+    transport.receive(19).receive(20).reply("\xFF");
+    std::istringstream stream("\xFF");
+    OvMEMRequest request;
+    request.setHeader("Name", "\xFF");
+    request.setRequestStream(&stream);
+    EXPECT_EQ(request.sendAndReceive(), "\xFF");
+    EXPECT_EQ(transport.takeCalls(),
+              (Calls{R"(OvMem_SendNoAck("Name=\xef\xbf\xbd\r\n\r\n"))",
+                     "OvMem_SendEOF()", "OvMem_Receive()",
+                     R"(OvMem_SendNoAck("\xff"))", "OvMem_SendEOF()",
+                     "OvMem_Receive()", "OvMem_Receive()", "OvMem_Receive()",
+                     "OvMem_Complete()"}));
+}
+
+// A heap for ICU that can run dry.
+
+namespace {
+
+bool icuHeapIsDry = false;
+
+extern "C" {
+
+static void* U_CALLCONV allocateForIcu(const void*, size_t size) {
+    return icuHeapIsDry ? nullptr : std::malloc(size);
+}
+
+static void* U_CALLCONV reallocateForIcu(const void*, void* block,
+                                         size_t size) {
+    return icuHeapIsDry ? nullptr : std::realloc(block, size);
+}
+
+static void U_CALLCONV releaseForIcu(const void*, void* block) {
+    std::free(block);
+}
+}
+
+const Thrown conversionFailed{
+    "OvMEMRuntimeException", 0,
+    "Exception occurred while converting to UTF-8 bytes."};
+
+class OvMEMRequestConversionFailure : public OvMEMRequestConversion {
+protected:
+    // Runs `code` in a process in which no converter can be opened.
+    static void withoutConverters(const std::function<void()>& code) {
+        runInChild([&code] {
+            UErrorCode error = U_ZERO_ERROR;
+            u_cleanup();
+            u_setMemoryFunctions(nullptr, allocateForIcu, reallocateForIcu,
+                                 releaseForIcu, &error);
+            ASSERT_TRUE(U_SUCCESS(error)) << u_errorName(error);
+            icuHeapIsDry = true;
+            code();
+            icuHeapIsDry = false;
+        });
+    }
+};
+
+}  // namespace
+
+TEST_F(OvMEMRequestConversionFailure, SendHeadersReplacesTheException) {
+    withoutConverters([this] {
+        OvMEMRequest request;
+        request.setHeader("Name", "value");
+        EXPECT_EQ(thrownBy([&] { request.sendHeaders(); }), conversionFailed);
+        EXPECT_EQ(transport.takeCalls(), Calls{});
+    });
+}
+
+TEST_F(OvMEMRequestConversionFailure, AnExchangeFailsBeforeAnythingIsSent) {
+    withoutConverters([this] {
+        std::istringstream stream("body");
+        OvMEMRequest request;
+        request.setRequestStream(&stream);
+        EXPECT_EQ(thrownBy([&] { request.sendAndReceive(); }),
+                  conversionFailed);
+        EXPECT_EQ(stream.tellg(), 0);
+        EXPECT_EQ(transport.takeCalls(), Calls{});
+    });
+}
+
+TEST_F(OvMEMRequestConversionFailure, ASingleSendNeedsNoConverter) {
+    withoutConverters([this] {
+        transport.reply("reply");
+        OvMEMRequest request;
+        request.setRequestBody("body");
+        EXPECT_EQ(request.sendAndReceive(), "reply");
+        EXPECT_EQ(
+            transport.takeCalls(),
+            (Calls{R"(OvMem_Send("\r\nbody"))", "OvMem_SendEOF()",
+                   "OvMem_Receive()", "OvMem_Receive()", "OvMem_Complete()"}));
+    });
+}
+
+TEST_F(OvMEMRequestConversionFailure, TheRequestWorksAgainAfterwards) {
+    withoutConverters([this] {
+        OvMEMRequest request;
+        EXPECT_EQ(thrownBy([&] { request.sendHeaders(); }), conversionFailed);
+        icuHeapIsDry = false;
+        request.sendHeaders();
+        EXPECT_EQ(transport.takeCalls(),
+                  (Calls{R"(OvMem_SendNoAck("\r\n"))", "OvMem_SendEOF()"}));
+    });
+}
+
+}  // namespace Orvane::Net::OvModelEventManager::Client
