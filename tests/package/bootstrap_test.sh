@@ -32,7 +32,7 @@ program() {
 }
 
 start() {
-  said=$(PATH=$folder/bin "$folder/bin/bash" "$bootstrap" 2>&1) && status=0 || status=$?
+  said=$(PATH=$folder/bin "$folder/bin/bash" "$bootstrap" "$@" 2>&1) && status=0 || status=$?
 }
 
 machine 0 "nothing" 0
@@ -47,6 +47,12 @@ start
 expect_text "cmake missing: said" "scripts/bootstrap: installing cmake" "$said"
 expect_text "cmake missing: calls" "$installs" "$(cat "$calls")"
 expect_text "cmake missing: status" "0" "$status"
+
+machine 0 "nothing" 0
+start bench
+expect_text "what only the benches need: said" "scripts/bootstrap: installing \
+libbenchmark-dev libxml2-dev libpugixml-dev libexpat1-dev" "$said"
+expect_text "what only the benches need: status" "0" "$status"
 
 machine 1000 "cmake" 0
 program sudo "echo sudo >>'$calls'; exec \"\$@\""
