@@ -60,7 +60,7 @@ Commands addCommands(CLI::App& app, Options& options) {
                      "is standard input")
         ->type_name("");
     for (CLI::App* command : app.get_subcommands({})) {
-        command->footer("\nThe common options: ovmem --help");
+        command->footer("The common options: ovmem --help");
     }
     return commands;
 }
@@ -121,7 +121,7 @@ Options parseOptions(int count, const char* const* arguments) {
     Options options;
     std::string server;
     CLI::App app(DESCRIPTION, "ovmem");
-    app.footer(FOOTER + listExitCodes());
+    app.footer(&FOOTER[1] + listExitCodes());
     app.require_subcommand(1);
     app.fallthrough();
     app.set_version_flag("--version", "ovmem " OVMEM_VERSION,

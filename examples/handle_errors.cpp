@@ -1,0 +1,59 @@
+// Every class of exception, in the order in which to catch them.
+
+#include <clocale>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <OvMemCppBinding/client/Exceptions.h>
+#include <OvMemCppBinding/client/OvMEMConnection.h>
+#include <OvMemCppBinding/util/DomException.h>
+
+using namespace Orvane::Net::OvModelEventManager::Client;
+using Orvane::Net::OvModelEventManager::Util::DomException;
+
+namespace {
+
+void tell(const std::string& what, const Exception& e) {
+    std::cout << what << " (" << e.getType() << "): " << e.getMessage() << "\n";
+}
+
+template <class Operation>
+void attempt(const char* name, Operation operation) {
+    std::cout << name << ": ";
+    try {
+        operation();
+        std::cout << "done\n";
+    } catch (const OvMEMConnectionException& e) {
+        tell("try again later", e);
+    } catch (const OvMEMProtocolException& e) {
+        tell("mend the request", e);
+    } catch (OvMEMProtocolException* e) {
+        // getSharedClients throws a pointer, which is ours to delete.
+        const std::unique_ptr<OvMEMProtocolException> owner(e);
+        tell("mend the request, by pointer", *e);
+    } catch (const OvMEMRuntimeException& e) {
+        tell("look at the platform", e);
+    } catch (const OvMEMUnrecognisedException& e) {
+        tell("report this", e);
+    } catch (const Exception& e) {
+        // unregisterClient throws every failure as this class.
+        tell("not unregistered", e);
+    } catch (DomException& e) {
+        std::cout << "not the expected XML: " << e.getMessage() << "\n";
+    }
+}
+
+}  // namespace
+
+int main() {
+    std::setlocale(LC_ALL, "");
+    OvMEMConnection connection;
+    std::string events = "event", correlation = "errors";
+    std::vector<std::string> others;
+    attempt("status", [&] { connection.getStatus(); });
+    attempt("put", [&] { connection.putEvents(events, others, correlation); });
+    attempt("clients", [&] { connection.getSharedClients(others); });
+    attempt("unregister", [&] { connection.unregisterClient(others); });
+}
