@@ -8,6 +8,7 @@ from collections import namedtuple
 Finding = namedtuple("Finding", "path line text")
 
 CPP = (".h", ".cpp")
+NOT_SOURCES = (".git", "build", "__pycache__")
 
 
 class Tree:
@@ -62,12 +63,13 @@ class Tree:
             listed = subprocess.run(
                 ["git", "ls-files", "-z", "--cached", "--others",
                  "--exclude-standard"],
-                cwd=self.root, check=True, stdout=subprocess.PIPE)
-            return listed.stdout.decode("utf-8").split("\0")[:-1]
+                cwd=self.root, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+            if listed.returncode == 0:
+                return listed.stdout.decode("utf-8").split("\0")[:-1]
+        # Not a clone, or one of another user, of which git says nothing.
         paths = []
         for folder, folders, names in os.walk(self.root):
-            folders[:] = [f for f in folders
-                          if os.path.join(folder, f) != self.file("build")]
+            folders[:] = [f for f in folders if f not in NOT_SOURCES]
             paths += [os.path.relpath(os.path.join(folder, name), self.root)
                       for name in names]
         return paths
