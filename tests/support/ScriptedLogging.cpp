@@ -22,10 +22,17 @@ ScriptedLogging::~ScriptedLogging() {
     installed = previous;
 }
 
+void ScriptedLogging::get() {
+    transport.record("LogCorrelation::get()");
+    if (onGet) {
+        onGet();
+    }
+}
+
 std::string ScriptedLogging::fetch(const std::string ScriptedLogging::*value,
                                    const char* getter) {
     transport.record(std::string("LogCorrelation::") + getter + "()");
-    return value == nullptr ? std::string() : this->*value;
+    return this->*value;
 }
 
 ScriptedLogging& ScriptedLogging::current() {
@@ -48,7 +55,7 @@ const char* const LogCorrelation::HTTP_HEADER_USER_ACTION = "Caller-Action";
 
 LogCorrelation* LogCorrelation::get() {
     static LogCorrelation theOne;
-    ScriptedLogging::current().fetch(nullptr, "get");
+    ScriptedLogging::current().get();
     return &theOne;
 }
 

@@ -1,6 +1,7 @@
 #ifndef TESTS_SUPPORT_SCRIPTEDLOGGING_H
 #define TESTS_SUPPORT_SCRIPTEDLOGGING_H
 
+#include <functional>
 #include <string>
 
 #include "tests/support/ScriptedTransport.h"
@@ -27,7 +28,11 @@ public:
     std::string sessionId = "s1";
     std::string userAction = "a1";
 
+    // Runs when the values are fetched; what it throws passes to the caller.
+    std::function<void()> onGet;
+
     // Called by LogCorrelation alone.
+    void get();
     std::string fetch(const std::string ScriptedLogging::*value,
                       const char* getter);
     static ScriptedLogging& current();
