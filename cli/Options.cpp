@@ -84,6 +84,11 @@ Command chosen(const Commands& commands) {
     return Command::Status;
 }
 
+Failure refusal(const std::string& text) {
+    return {ExitCode::Usage, text,
+            "'ovmem --help' lists the commands and options."};
+}
+
 // True if the command line asked for an answer, which is then in `options`.
 bool parse(CLI::App& app, int count, const char* const* arguments,
            Options& options) {
@@ -94,9 +99,13 @@ bool parse(CLI::App& app, int count, const char* const* arguments,
         options.answer = app.help();
     } catch (const CLI::CallForVersion& version) {
         options.answer = std::string(version.what()) + "\n";
+    } catch (const CLI::RequiredError&) {
+        throw refusal(app.remaining().empty()
+                          ? "A command is missing."
+                          : "'" + app.remaining().front() +
+                                "' is neither a command nor an option.");
     } catch (const CLI::ParseError& error) {
-        throw Failure{ExitCode::Usage, std::string(error.what()) + ".",
-                      "'ovmem --help' lists the commands and options."};
+        throw refusal(std::string(error.what()) + ".");
     }
     return true;
 }

@@ -1,0 +1,105 @@
+#include "cli/ErrorReport.h"
+
+#include <stdexcept>
+
+#include <OvMemCppBinding/client/Exceptions.h>
+#include <OvMemCppBinding/util/DomException.h>
+#include <gtest/gtest.h>
+
+#include "cli/Failure.h"
+
+using namespace Orvane::Net::OvModelEventManager::Client;
+using namespace ovmem::cli;
+using Orvane::Net::OvModelEventManager::Util::DomException;
+
+namespace {
+
+template <class Thrown>
+ErrorReport reportOf(const Thrown& thrown) {
+    try {
+        throw thrown;
+    } catch (...) {
+        return reportCurrentException();
+    }
+}
+
+void expectReport(const ErrorReport& report, ExitCode exitCode,
+                  const std::string& className, std::optional<int> type,
+                  const std::string& text, const std::string& advice) {
+    EXPECT_EQ(report.exitCode, exitCode);
+    EXPECT_EQ(report.className, className);
+    EXPECT_EQ(report.type, type);
+    EXPECT_EQ(report.text, text);
+    EXPECT_EQ(report.advice, advice);
+}
+
+const char ASK_FOR_IDENTITY[] =
+    "Name the identity with --server and --client, or with OVMEM_SERVER and "
+    "OVMEM_CLIENT.";
+
+}  // namespace
+
+TEST(ErrorReport, AClientExceptionIsReportedWithItsClassCodeAndText) {
+    expectReport(reportOf(OvMEMConnectionException("a\nb")),
+                 ExitCode::ConnectionException, "OvMEMConnectionException", 0,
+                 "a\nb", "Check that the service can be reached; try again.");
+    expectReport(reportOf(OvMEMProtocolException("p")),
+                 ExitCode::ProtocolException, "OvMEMProtocolException", 0, "p",
+                 "The service refused the request as it stands; sending it "
+                 "again unchanged will fail again.");
+    expectReport(reportOf(OvMEMRuntimeException()), ExitCode::RuntimeException,
+                 "OvMEMRuntimeException", 0, "",
+                 "Try again; if it persists, the platform needs attention.");
+    expectReport(reportOf(OvMEMUnrecognisedException("u")),
+                 ExitCode::UnrecognisedException, "OvMEMUnrecognisedException",
+                 0, "u", "Report the text; it is the transport's own.");
+    expectReport(reportOf(Exception("e")), ExitCode::PlainException,
+                 "Exception", 0, "e",
+                 "The service may still know the client; see the text.");
+}
+
+TEST(ErrorReport, AClassThatTheLibraryKeepsToItselfIsAnyOther) {
+    expectReport(reportOf(OvMEMException(7, "o")), ExitCode::AnyOtherException,
+                 "OvMEMException", 7, "o", "");
+}
+
+TEST(ErrorReport, TheTypeCodeDecidesOnTheAdvice) {
+    expectReport(reportOf(OvMEMProtocolException(-2, "n")),
+                 ExitCode::ProtocolException, "OvMEMProtocolException", -2, "n",
+                 ASK_FOR_IDENTITY);
+    expectReport(reportOf(OvMEMConnectionException(-1, "s")),
+                 ExitCode::ConnectionException, "OvMEMConnectionException", -1,
+                 "s",
+                 "The service did not answer the status check. 'ovmem register'"
+                 " reports the transport's own text.");
+}
+
+// The leak sanitizer sees to the deletion.
+TEST(ErrorReport, AnExceptionThrownAsAPointerIsReportedAndDeleted) {
+    expectReport(reportOf(new OvMEMProtocolException(-2, "n")),
+                 ExitCode::ProtocolException, "OvMEMProtocolException", -2, "n",
+                 ASK_FOR_IDENTITY);
+}
+
+TEST(ErrorReport, TheXmlLayersExceptionHasNoTypeCode) {
+    expectReport(reportOf(DomException("Fatal Error\n")),
+                 ExitCode::DomException, "DomException", std::nullopt,
+                 "Fatal Error\n",
+                 "The reply is not the expected XML; is it a Model Event "
+                 "Manager that answers? The request itself was carried out.");
+}
+
+TEST(ErrorReport, AFailureOfTheToolKeepsItsTexts) {
+    expectReport(reportOf(Failure{ExitCode::Usage, "t", "a"}), ExitCode::Usage,
+                 "usage", std::nullopt, "t", "a");
+    expectReport(reportOf(Failure{ExitCode::InputOutput, "t", "a"}),
+                 ExitCode::InputOutput, "input/output", std::nullopt, "t", "a");
+}
+
+TEST(ErrorReport, AnythingElseIsReportedToo) {
+    expectReport(reportOf(std::runtime_error("r")), ExitCode::AnyOtherException,
+                 "std::exception", std::nullopt, "r", "");
+    expectReport(reportOf(42), ExitCode::AnyOtherException, "unknown",
+                 std::nullopt,
+                 "An exception of a class that ovmem does not know.", "");
+}

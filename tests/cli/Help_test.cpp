@@ -1,0 +1,47 @@
+#include "tests/cli/CliTest.h"
+
+using OvMemTest::CliTest;
+using OvMemTest::Outcome;
+using OvMemTest::readFile;
+
+namespace {
+
+class Help : public CliTest {
+protected:
+    static std::string expected(const std::string& name) {
+        return readFile(OVMEM_EXPECTED_TEXTS "/" + name + ".txt");
+    }
+};
+
+}  // namespace
+
+TEST_F(Help, TheWholeTextIsAsCheckedIn) {
+    EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));
+}
+
+TEST_F(Help, EachCommandHasAHelpOfItsOwn) {
+    for (const std::string command :
+         {"status", "register", "clients", "put", "get", "unregister"}) {
+        EXPECT_EQ(ovmem.run({command, "--help"}),
+                  (Outcome{0, expected("help-" + command), ""}));
+    }
+}
+
+TEST_F(Help, TheEnvironmentDoesNotChangeIt) {
+    ovmem.set("OVMEM_SERVER", "plant").set("LC_ALL", "C");
+    EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));
+}
+
+TEST_F(Help, TheVersionIsTheProjectsOwn) {
+    EXPECT_EQ(ovmem.run({"--version"}),
+              (Outcome{0, "ovmem " OVMEM_VERSION "\n", ""}));
+}
+
+TEST_F(Help, ThatCannotBeWrittenIsAFailure) {
+    ovmem.outputTo("/dev/full");
+    EXPECT_EQ(ovmem.run({"--help"}),
+              (Outcome{9, "",
+                       "ovmem: input/output: Cannot write to standard output: "
+                       "No space left on device.\n"
+                       "ovmem: Give standard output a place to go.\n"}));
+}

@@ -1,0 +1,148 @@
+#include "tests/cli/ScriptedCliTest.h"
+
+using OvMemTest::Outcome;
+using OvMemTest::Program;
+using OvMemTest::ScriptedCliTest;
+
+namespace {
+
+// What is refused is refused before any library is called.
+class Usage : public ScriptedCliTest {
+protected:
+    void expectRefusal(const Program& program,
+                       const Program::Arguments& arguments,
+                       const std::string& text, const std::string& advice) {
+        EXPECT_EQ(
+            program.run(arguments),
+            (Outcome{1, "",
+                     "ovmem: usage: " + text + "\novmem: " + advice + "\n"}));
+        EXPECT_EQ(trace(), "");
+    }
+
+    void expectRefusal(const Program::Arguments& arguments,
+                       const std::string& text, const std::string& advice) {
+        expectRefusal(ovmem, arguments, text, advice);
+    }
+};
+
+const std::string SEE_HELP = "'ovmem --help' lists the commands and options.";
+
+std::string lineEnd(const std::string& option) {
+    return option +
+           " holds a line end, which would break the header lines of the "
+           "request.";
+}
+
+}  // namespace
+
+TEST_F(Usage, ACommandIsNeeded) {
+    expectRefusal({}, "A command is missing.", SEE_HELP);
+    expectRefusal({"--quiet"}, "A command is missing.", SEE_HELP);
+}
+
+TEST_F(Usage, AnUnknownCommandIsRefused) {
+    expectRefusal({"fetch"}, "'fetch' is neither a command nor an option.",
+                  SEE_HELP);
+}
+
+TEST_F(Usage, TwoCommandsAreRefused) {
+    expectRefusal({"status", "get"},
+                  "The following argument was not expected: get.", SEE_HELP);
+}
+
+TEST_F(Usage, AnUnknownOptionIsRefused) {
+    expectRefusal({"status", "--loud"},
+                  "The following argument was not expected: --loud.", SEE_HELP);
+}
+
+TEST_F(Usage, AnOptionWithoutItsValueIsRefused) {
+    expectRefusal({"status", "--server"}, "--server: 1 required TEXT missing.",
+                  SEE_HELP);
+}
+
+TEST_F(Usage, RegisterNeedsAServer) {
+    expectRefusal({"register", "--client", "pump"}, "register needs --server.",
+                  "Give --server, or set OVMEM_SERVER.");
+}
+
+TEST_F(Usage, AServerNeedsAClient) {
+    for (const char* command :
+         {"register", "clients", "put", "get", "unregister"}) {
+        expectRefusal({command, "--server", "plant"},
+                      "--server needs --client as well.",
+                      "Give --client, or set OVMEM_CLIENT.");
+    }
+}
+
+TEST_F(Usage, AValueWithALineEndIsRefused) {
+    const std::string option[] = {"--server", "--client", "--locale"};
+    for (const std::string& broken : option) {
+        for (const std::string value : {"a\r\nb", "a\n", "\rb"}) {
+            Program program = ovmem;
+            program.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump");
+            expectRefusal(program, {"get", broken, value}, lineEnd(broken),
+                          "Give " + broken + " a value of one line.");
+        }
+    }
+}
+
+TEST_F(Usage, AValueFromTheEnvironmentIsCheckedAsWell) {
+    ovmem.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump\nServer-ID=x");
+    expectRefusal({"get"}, lineEnd("--client"),
+                  "Give --client a value of one line.");
+}
+
+TEST_F(Usage, AValueThatIsTheWordNullIsRefused) {
+    expectRefusal({"get", "--server", "plant", "--client", "null"},
+                  "--client is \"null\", which would be sent as an empty "
+                  "value.",
+                  "Give --client another value.");
+}
+
+TEST_F(Usage, AValueThatTheLocaleCannotExpressIsRefused) {
+    ovmem.set("LC_ALL", "C").set("OVMEM_CLIENT", "pump");
+    expectRefusal({"get", "--server", "Kühlwerk"},
+                  "--server is not text in the code page of the locale "
+                  "(ANSI_X3.4-1968).",
+                  "Set a locale that has its characters, for instance "
+                  "LC_ALL=C.UTF-8.");
+    ovmem.set("LC_ALL", "C.UTF-8");
+    expectRefusal({"get", "--server", "K\xFC"},
+                  "--server is not text in the code page of the locale "
+                  "(UTF-8).",
+                  "Set a locale that has its characters, for instance "
+                  "LC_ALL=C.UTF-8.");
+}
+
+TEST_F(Usage, StandardInputNamedTwiceIsRefused) {
+    expectRefusal({"put", "-", "-"}, "Standard input is named twice.",
+                  "Name '-' once.");
+}
+
+TEST_F(Usage, AnEventTextWithANulIsRefused) {
+    const std::string advice =
+        "Nothing was sent. Remove the NUL bytes, or send the data encoded, for "
+        "instance with base64.";
+    const std::string first = folder.write("first", "abc");
+    const std::string second = folder.write("second", std::string("de\0f", 4));
+    ovmem.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump");
+    expectRefusal({"put", first, second},
+                  "The byte at offset 2 of " + second +
+                      " is NUL; the transport carries texts and would drop "
+                      "what follows it.",
+                  advice);
+    ovmem.input(std::string("\0", 1));
+    expectRefusal({"put"},
+                  "The byte at offset 0 of standard input is NUL; the "
+                  "transport carries texts and would drop what follows it.",
+                  advice);
+}
+
+TEST_F(Usage, ErrorsAreJsonWhereJsonIsAskedFor) {
+    EXPECT_EQ(
+        ovmem.run({"fetch", "--json"}),
+        (Outcome{1, "",
+                 "{\"error\":\"usage\",\"text\":\"'fetch' is neither a command "
+                 "nor an option.\",\"advice\":\"'ovmem --help' "
+                 "lists the commands and options.\",\"exitCode\":1}\n"}));
+}
