@@ -1,0 +1,50 @@
+#ifndef TESTS_UTIL_SCRIPTEDCONVERTERS_H
+#define TESTS_UTIL_SCRIPTEDCONVERTERS_H
+
+#include <string>
+#include <vector>
+
+#include <unicode/ucnv.h>
+
+namespace OvMemTest {
+
+// Stands between the program and ICU where converters are opened and closed:
+// it chooses the default code page, which on Linux is otherwise always UTF-8,
+// remembers the calls, and lets one fail. The converters themselves are ICU's.
+//
+//     ScriptedConverters converters("ISO-8859-1");
+//     EXPECT_EQ(fromUtf8("\xC3\xA9", 2), "\xE9");
+//
+// The program is linked with ScriptedConverters.cpp; the XML library's calls
+// then pass here, too. One at a time.
+class ScriptedConverters {
+public:
+    using Calls = std::vector<std::string>;
+
+    // `defaultCodePage` is what a null name opens.
+    explicit ScriptedConverters(std::string defaultCodePage = "UTF-8");
+    ~ScriptedConverters();
+    ScriptedConverters(const ScriptedConverters&) = delete;
+    ScriptedConverters& operator=(const ScriptedConverters&) = delete;
+
+    // Lets the opening number `number`, counted from 0, end with `error`.
+    void failOpening(int number, UErrorCode error);
+
+    // "open default", "open UTF-8", "close ISO-8859-1", in their order.
+    const Calls& calls() const;
+
+    // Called by the entry points alone.
+    UConverter* open(const char* name, UErrorCode* error);
+    void close(UConverter* converter);
+
+private:
+    std::string defaultCodePage;
+    int failing;
+    UErrorCode failure;
+    int opened;
+    Calls record;
+};
+
+}  // namespace OvMemTest
+
+#endif
