@@ -159,10 +159,10 @@ int32_t OvMem_Complete(void) {
 
 int32_t OvMem_GetLastError(const char** text) {
     if (!text) {
-        return guarded([&] {
-            requirePointer(text, "OvMem_GetLastError");
-            return 0;
-        });
+        thread().lastError.set(
+            "OvMem_GetLastError was given a null pointer. Give it the address "
+            "of a text pointer.");
+        return Status::malformed;
     }
     *text = nullptr;
     try {

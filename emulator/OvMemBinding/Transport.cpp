@@ -4,6 +4,7 @@
 
 #include <pthread.h>
 
+#include "emulator/store/StoreMutex.h"
 #include "emulator/store/StoreUrl.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
@@ -15,6 +16,7 @@ Transport& Transport::instance() {
 
 // Without this a child could inherit the lock from a thread that it has not.
 Transport::Transport() {
+    storeMutex();  // taken under our own lock, so registered before it
     ::pthread_atfork([] { instance().mutex.lock(); },
                      [] { instance().mutex.unlock(); },
                      [] { instance().mutex.unlock(); });

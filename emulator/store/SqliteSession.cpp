@@ -1,5 +1,6 @@
 #include "emulator/store/SqliteSession.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -24,16 +25,17 @@ constexpr std::size_t cachedLists = 256;
 // The one way to write: gate first, then the write lock.
 class SqliteSession::Write {
 public:
-    explicit Write(SqliteSession& session)
-        : passage(session.gate),
-          transaction(*session.database,
-                      SQLite::TransactionBehavior::IMMEDIATE) {}
+    explicit Write(SqliteSession& session) : passage(session.gate) {
+        session.setBusyTimeout();
+        transaction.emplace(*session.database,
+                            SQLite::TransactionBehavior::IMMEDIATE);
+    }
 
-    void commit() { transaction.commit(); }
+    void commit() { transaction->commit(); }
 
 private:
     GatePassage passage;
-    SQLite::Transaction transaction;
+    std::optional<SQLite::Transaction> transaction;
 };
 
 SqliteSession::SqliteSession(const SqliteOptions& options)
@@ -56,8 +58,12 @@ SqliteSession::~SqliteSession() {
     database.reset();
 }
 
+void SqliteSession::waitUntil(std::chrono::steady_clock::time_point limit) {
+    deadline = limit;
+    setBusyTimeout();
+}
+
 ClientList SqliteSession::registerClient(const Identity& caller) {
-    const std::lock_guard lock(mutex);
     Write write(*this);
     std::optional<Member> now = member(caller);
     if (!now) {
@@ -74,7 +80,6 @@ ClientList SqliteSession::registerClient(const Identity& caller) {
 }
 
 ClientList SqliteSession::unregisterClient(const Identity& caller) {
-    const std::lock_guard lock(mutex);
     Write write(*this);
     const std::optional<Member> before = member(caller);
     if (!before) {
@@ -90,7 +95,6 @@ ClientList SqliteSession::unregisterClient(const Identity& caller) {
 }
 
 ClientList SqliteSession::sharedClients(const Identity& caller) {
-    const std::lock_guard lock(mutex);
     SQLite::Transaction read(*database);
     const std::optional<Member> now = member(caller);
     if (!now) {
@@ -103,7 +107,6 @@ ClientList SqliteSession::sharedClients(const Identity& caller) {
 
 ClientList SqliteSession::putEvents(const Identity& caller,
                                     std::string_view events) {
-    const std::lock_guard lock(mutex);
     Write write(*this);
     const std::optional<Member> sender = member(caller);
     if (!sender) {
@@ -124,7 +127,6 @@ ClientList SqliteSession::putEvents(const Identity& caller,
 }
 
 std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
-    const std::lock_guard lock(mutex);
     SQLite::Transaction read(*database);
     const std::optional<Member> now = member(caller);
     if (!now) {
@@ -141,7 +143,6 @@ std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
 }
 
 void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
-    const std::lock_guard lock(mutex);
     Write write(*this);
     if (const std::optional<Member> now = member(caller)) {
         SqliteRun(statements->moveCursor, now->server, caller.clientId, upto)
@@ -149,6 +150,13 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
         trim(now->server);
     }
     write.commit();
+}
+
+void SqliteSession::setBusyTimeout() {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    database->setBusyTimeout(
+        static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
 }
 
 std::optional<SqliteSession::Member> SqliteSession::member(

@@ -1,10 +1,10 @@
 #ifndef EMULATOR_STORE_SQLITESESSION_H
 #define EMULATOR_STORE_SQLITESESSION_H
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -26,14 +26,18 @@ struct SqliteStatements;
 // read only when the server's epoch, which every coming and going raises, has
 // moved on; so a put costs the same however many clients there are.
 //
-// Threads: any; one at a time is let in. Not to be used, nor destroyed, in a
-// forked child: see SqliteStore.
+// Threads: one at a time. In a forked child it can only be destroyed.
 // THROWS: StoreError, and SQLite::Exception as it comes.
 class SqliteSession : public EventStore {
 public:
     // Opens the file, and makes it a store if it is new.
     explicit SqliteSession(const SqliteOptions& options);
     ~SqliteSession() override;
+
+    // How long the next call may wait for locks of other programs. The time at
+    // the gate counts, so that those who queued there do not wait one after the
+    // other.
+    void waitUntil(std::chrono::steady_clock::time_point deadline);
 
     ClientList registerClient(const Identity& caller) override;
     ClientList unregisterClient(const Identity& caller) override;
@@ -58,6 +62,7 @@ private:
 
     std::optional<Member> member(const Identity& caller);
     ClientList clientsOf(std::int64_t server, std::int64_t epoch);
+    void setBusyTimeout();
     void remember(std::int64_t server, std::int64_t epoch,
                   const ClientList& clients);
     void stepOverOwn(const Member& sender, const std::string& clientId,
@@ -65,7 +70,7 @@ private:
     void trim(std::int64_t server);
 
     const std::string gate;
-    std::mutex mutex;
+    std::chrono::steady_clock::time_point deadline;
     std::unique_ptr<SQLite::Database> database;
     std::unique_ptr<SqliteStatements> statements;  // end before the database
     std::map<std::int64_t, CachedList> lists;      // by server

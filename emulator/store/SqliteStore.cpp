@@ -1,6 +1,7 @@
 #include "emulator/store/SqliteStore.h"
 
-#include <memory>
+#include <chrono>
+#include <mutex>
 #include <new>
 #include <string>
 #include <utility>
@@ -11,17 +12,9 @@
 
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
+#include "emulator/store/StoreMutex.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
-
-struct SqliteStore::Opened {
-    explicit Opened(const SqliteOptions& options)
-        : process(::getpid()), session(options) {}
-
-    const pid_t process;
-    SqliteSession session;
-    Opened* parents = nullptr;  // never used and never destroyed here
-};
 
 namespace {
 
@@ -56,23 +49,26 @@ namespace {
 
 template <typename Work>
 auto SqliteStore::use(Work work) {
+    const auto deadline =
+        std::chrono::steady_clock::now() +
+        std::chrono::milliseconds(options.busyTimeoutMilliseconds);
+    const std::lock_guard lock(storeMutex());
     try {
-        return work(session());
+        SqliteSession& now = sessionOfThisProcess();
+        now.waitUntil(deadline);
+        return work(now);
     } catch (const SQLite::Exception& error) {
         throwStoreError(error, options.path);
     }
 }
 
-SqliteStore::SqliteStore(SqliteOptions given)
-    : options(std::move(given)), opened(nullptr) {
+SqliteStore::SqliteStore(SqliteOptions given) : options(std::move(given)) {
     use([](SqliteSession&) { return 0; });
 }
 
 SqliteStore::~SqliteStore() {
-    const Opened* last = opened.load();
-    if (last->process == ::getpid()) {
-        delete last;
-    }
+    const std::lock_guard lock(storeMutex());
+    session.reset();
 }
 
 ClientList SqliteStore::registerClient(const Identity& caller) {
@@ -102,18 +98,16 @@ void SqliteStore::consume(const Identity& caller, std::int64_t upto) {
     use([&](SqliteSession& now) { now.consume(caller, upto); });
 }
 
-// No lock: a child inherits locks that nobody will ever open.
-SqliteSession& SqliteStore::session() {
-    Opened* now = opened.load();
-    if (now && now->process == ::getpid()) {
-        return now->session;
+// The parent's connection was at rest when it was copied, and its locks were
+// not copied. Closing the copy tells SQLite so; it cannot take the write-ahead
+// log away, since that needs a lock that the parent's own connection prevents.
+SqliteSession& SqliteStore::sessionOfThisProcess() {
+    if (!session || process != ::getpid()) {
+        session.reset();
+        session = std::make_unique<SqliteSession>(options);
+        process = ::getpid();
     }
-    auto fresh = std::make_unique<Opened>(options);
-    fresh->parents = now;
-    if (opened.compare_exchange_strong(now, fresh.get())) {
-        return fresh.release()->session;
-    }
-    return now->session;
+    return *session;
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -1,7 +1,7 @@
 #ifndef EMULATOR_STORE_SQLITESTORE_H
 #define EMULATOR_STORE_SQLITESTORE_H
 
-#include <atomic>
+#include <memory>
 
 #include <sys/types.h>
 
@@ -12,10 +12,12 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 
 class SqliteSession;
 
-// A store in a SQLite file, for many processes on one machine.
+// A store in a SQLite file, for many processes on one machine and any thread of
+// them.
 //
-// Holds a SqliteSession for the process that it is in: a child made by fork
-// opens its own, since it must not touch its parent's.
+// A child made by fork opens the file anew at its first call: SQLite's locks
+// belong to the process that took them, and a child that went on with the
+// connection of its parent would hold none.
 class SqliteStore : public EventStore {
 public:
     // THROWS: StoreError when the file cannot be opened or is not a store.
@@ -31,14 +33,16 @@ public:
     void consume(const Identity& caller, std::int64_t upto) override;
 
 private:
-    struct Opened;
-
-    SqliteSession& session();
+    // Runs `work` with the session of this process, and lets out nothing but
+    // StoreError and std::bad_alloc.
     template <typename Work>
     auto use(Work work);
 
+    SqliteSession& sessionOfThisProcess();
+
     const SqliteOptions options;
-    std::atomic<Opened*> opened;  // owned
+    pid_t process = 0;  // whose session it is
+    std::unique_ptr<SqliteSession> session;
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

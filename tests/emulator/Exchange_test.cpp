@@ -1,0 +1,128 @@
+#include "emulator/OvMemBinding/Exchange.h"
+
+#include <array>
+#include <cstdlib>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "emulator/manager/Refusal.h"
+#include "emulator/manager/SharedClientsReplies.h"
+#include "emulator/store/MemoryStore.h"
+#include "emulator/store/StoreError.h"
+#include "tests/emulator/Wire.h"
+
+using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::headerBlock;
+
+namespace {
+
+// A store in memory that can be lost.
+class FragileStore : public MemoryStore {
+public:
+    std::optional<PendingEvents> getEvents(const Identity& caller) override {
+        fail();
+        return MemoryStore::getEvents(caller);
+    }
+    void consume(const Identity& caller, std::int64_t upto) override {
+        fail();
+        MemoryStore::consume(caller, upto);
+    }
+
+    bool lost = false;
+
+private:
+    void fail() const {
+        if (lost) {
+            throw StoreError("The store is lost.");
+        }
+    }
+};
+
+class ExchangeTest : public testing::Test {
+protected:
+    std::string refusal(const std::function<void()>& work) {
+        try {
+            work();
+        } catch (const Refusal& refused) {
+            return std::to_string(refused.status) + " " + refused.what();
+        }
+        return "no refusal";
+    }
+
+    void beginBody() {
+        exchange.sendPart(headerBlock("getStatus", "", ""));
+        exchange.endOfSend();
+        ASSERT_EQ(exchange.receive(manager, buffer.data()), Exchange::sendBody);
+    }
+
+    FragileStore store;
+    SharedClientsReplies replies;
+    EventManager manager{store, replies};
+    std::array<char, Exchange::chunkSize> buffer{};
+    Exchange exchange{{&std::malloc, &std::free}, Limits{200, 10}};
+};
+
+}  // namespace
+
+TEST_F(ExchangeTest, ABodyAtTheLimitIsTaken) {
+    beginBody();
+    exchange.sendPart("01234");
+    exchange.sendPart("56789");
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::replyFollows);
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), 10);
+}
+
+TEST_F(ExchangeTest, ABodyOverTheLimitIsRefusedWhenSent) {
+    beginBody();
+    exchange.sendPart("01234");
+    EXPECT_EQ(refusal([&] { exchange.sendPart("567890"); }),
+              "-751 The body is longer than 10 bytes. Send a shorter one.");
+}
+
+TEST_F(ExchangeTest, AWholeRequestHasTheSameLimits) {
+    const std::string block = headerBlock("getStatus", "", "");
+    exchange.send(block + "0123456789");
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), 10);
+    exchange.send(block + "01234567890");
+    exchange.endOfSend();
+    EXPECT_EQ(refusal([&] { exchange.receive(manager, buffer.data()); }),
+              "-751 The body is longer than 10 bytes. Send a shorter one.");
+    EXPECT_EQ(refusal([&] { exchange.send(std::string(211, 'x')); }),
+              "-751 The request is longer than 210 bytes. Send a shorter one.");
+}
+
+TEST_F(ExchangeTest, AbandoningLeavesItReadyForTheNextRequest) {
+    beginBody();
+    exchange.sendPart("0");
+    exchange.abandon();
+    beginBody();
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::replyFollows);
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::endOfReply);
+}
+
+TEST_F(ExchangeTest, AStoreLostBeforeCompleteLosesNothing) {
+    store.registerClient({"plant", "pump"});
+    store.registerClient({"plant", "valve"});
+    store.putEvents({"plant", "pump"}, "open");
+    exchange.send(headerBlock("getEvents", "plant", "valve"));
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), 4);
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::endOfReply);
+    store.lost = true;
+    EXPECT_THROW(exchange.complete(manager), StoreError);
+    store.lost = false;
+    EXPECT_EQ(store.getEvents({"plant", "valve"})->text, "open");
+}
+
+TEST_F(ExchangeTest, AStoreLostBeforeTheReplyEndsInItsError) {
+    exchange.send(headerBlock("getEvents", "plant", "valve"));
+    exchange.endOfSend();
+    store.lost = true;
+    EXPECT_THROW(exchange.receive(manager, buffer.data()), StoreError);
+}

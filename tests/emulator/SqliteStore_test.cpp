@@ -1,0 +1,241 @@
+#include "emulator/store/SqliteStore.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "emulator/store/SqliteFile.h"
+#include "emulator/store/StoreError.h"
+#include "tests/emulator/TemporaryFolder.h"
+
+using namespace Orvane::Net::OvModelEventManager::Emulator;
+using testing::ElementsAre;
+
+namespace {
+
+class SqliteStoreTest : public testing::Test {
+protected:
+    const Identity pump{"plant", "pump"};
+    const Identity valve{"plant", "valve"};
+
+    // The text of the StoreError that `work` throws.
+    static std::string refusal(const std::function<void()>& work) {
+        try {
+            work();
+        } catch (const StoreError& error) {
+            return error.what();
+        }
+        return "no refusal";
+    }
+
+    std::string refusalToOpen() {
+        return refusal([this] { SqliteStore store(options); });
+    }
+
+    std::int64_t number(const char* query) {
+        SQLite::Database file(options.path);
+        return file.execAndGet(query).getInt64();
+    }
+
+    OvMemTest::TemporaryFolder folder;
+    SqliteOptions options{folder.file("events.db"), Synchronous::full, 50};
+};
+
+}  // namespace
+
+TEST_F(SqliteStoreTest, EverythingSurvivesTheStoreObject) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+        store.registerClient(valve);
+        store.putEvents(pump, "one");
+        store.putEvents(pump, "two");
+        const auto got = store.getEvents(valve);
+        store.putEvents(pump, "three");
+        store.consume(valve, got->upto);
+    }
+    SqliteStore store(options);
+    EXPECT_EQ(store.getEvents(valve)->text, "three");
+    EXPECT_THAT(*store.registerClient({"plant", "motor"}),
+                ElementsAre("motor", "pump", "valve"));
+}
+
+TEST_F(SqliteStoreTest, ClosingTheLastOneLeavesTheFileAndItsGateAlone) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+        EXPECT_TRUE(std::filesystem::exists(options.path + "-wal"));
+    }
+    EXPECT_TRUE(std::filesystem::exists(options.path));
+    EXPECT_TRUE(std::filesystem::exists(options.path + ".gate"));
+    EXPECT_FALSE(std::filesystem::exists(options.path + "-wal"));
+    EXPECT_FALSE(std::filesystem::exists(options.path + "-shm"));
+}
+
+TEST_F(SqliteStoreTest, TheFileIsOpenedAsTheOptionsSay) {
+    constexpr int full = 2;
+    constexpr int normal = 1;
+    const auto file = openSqliteFile(options);
+    EXPECT_EQ(file->execAndGet("PRAGMA journal_mode").getString(), "wal");
+    EXPECT_EQ(file->execAndGet("PRAGMA synchronous").getInt(), full);
+    EXPECT_EQ(file->execAndGet("PRAGMA busy_timeout").getInt(), 50);
+    options.synchronous = Synchronous::normal;
+    EXPECT_EQ(
+        openSqliteFile(options)->execAndGet("PRAGMA synchronous").getInt(),
+        normal);
+}
+
+TEST_F(SqliteStoreTest, TwoStoresOfOneFileAreOneStore) {
+    SqliteStore first(options);
+    SqliteStore second(options);
+    first.registerClient(pump);
+    EXPECT_THAT(*second.registerClient(valve), ElementsAre("pump", "valve"));
+    EXPECT_THAT(*first.putEvents(pump, "open"), ElementsAre("pump", "valve"));
+    EXPECT_EQ(second.getEvents(valve)->text, "open");
+    second.unregisterClient(valve);
+    EXPECT_THAT(*first.sharedClients(pump), ElementsAre("pump"));
+}
+
+TEST_F(SqliteStoreTest, AListIsKeptForAsLongAsTheEpochStays) {
+    options.synchronous = Synchronous::normal;  // a thousand commits
+    SqliteStore first(options);
+    SqliteStore second(options);
+    for (int i = 0; i < 1000; ++i) {
+        first.registerClient({"plant", std::to_string(i)});
+    }
+    const ClientList list = first.putEvents({"plant", "0"}, "a");
+    EXPECT_EQ(list->size(), 1000U);
+    EXPECT_EQ(first.putEvents({"plant", "999"}, "b"), list);
+    second.unregisterClient({"plant", "500"});
+    const ClientList fewer = first.putEvents({"plant", "999"}, "c");
+    EXPECT_EQ(fewer->size(), 999U);
+    EXPECT_EQ(first.putEvents({"plant", "0"}, "d"), fewer);
+}
+
+TEST_F(SqliteStoreTest, ATrimRemovesAFewEventsAtATime) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    for (int i = 0; i < 100; ++i) {
+        store.putEvents(pump, "tick");
+    }
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 100);
+    store.consume(valve, 100);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 68);
+    store.putEvents(pump, "tick");
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 37);
+    store.consume(valve, 101);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 5);
+    store.unregisterClient(valve);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 0);
+}
+
+TEST_F(SqliteStoreTest, NumbersGoOnAfterTheLastClientHasLeft) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, "one");
+    store.unregisterClient(pump);
+    store.unregisterClient(valve);
+    EXPECT_EQ(number("SELECT next FROM server"), 2);
+    store.registerClient(pump);
+    EXPECT_EQ(number("SELECT cursor FROM client"), 1);
+}
+
+TEST_F(SqliteStoreTest, AFileThatIsNoDatabaseIsRefusedAndLeftAlone) {
+    const std::string content(8192, 'x');
+    std::ofstream(options.path) << content;
+    EXPECT_EQ(refusalToOpen(),
+              "The event store '" + options.path +
+                  "' is damaged or not a store (file is not a database). Move "
+                  "the file away, or set OVMEM_STORE to another one.");
+    std::ifstream file(options.path);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), content);
+}
+
+TEST_F(SqliteStoreTest, ADamagedStoreIsReported) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+    }
+    std::fstream file(options.path, std::ios::in | std::ios::out);
+    file.seekp(100);  // behind the header: the page of the schema
+    file << std::string(3000, '\xEE');
+    file.close();
+    EXPECT_EQ(refusalToOpen(),
+              "The event store '" + options.path +
+                  "' is damaged or not a store (database disk image is "
+                  "malformed). Move the file away, or set OVMEM_STORE to "
+                  "another one.");
+}
+
+TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
+    SQLite::Database(options.path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+        .exec("CREATE TABLE stock (item)");
+    EXPECT_EQ(refusalToOpen(),
+              "The file '" + options.path +
+                  "' is a database of another program. Set OVMEM_STORE to a "
+                  "file of its own.");
+    EXPECT_EQ(number("SELECT count(*) FROM sqlite_master"), 1);
+}
+
+TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
+    { SqliteStore store(options); }
+    SQLite::Database(options.path, SQLite::OPEN_READWRITE)
+        .exec("PRAGMA user_version = 2");
+    EXPECT_EQ(refusalToOpen(),
+              "The event store '" + options.path +
+                  "' was written by another version. Use that version, or set "
+                  "OVMEM_STORE to a new file.");
+}
+
+TEST_F(SqliteStoreTest, AFolderInPlaceOfTheFileIsReported) {
+    std::filesystem::create_directory(options.path);
+    EXPECT_EQ(refusalToOpen(),
+              "The event store '" + options.path +
+                  "' cannot be used (unable to open database file). Make the "
+                  "file and its folder readable and writable, or set "
+                  "OVMEM_STORE to another file.");
+}
+
+TEST_F(SqliteStoreTest, AFolderThatIsNotThereIsReported) {
+    options.path = folder.file("nowhere/events.db");
+    EXPECT_EQ(refusalToOpen(),
+              "The gate file '" + options.path +
+                  ".gate' of the event store cannot be locked (No such file "
+                  "or directory). Make its folder writable, or set "
+                  "OVMEM_STORE to a place that is.");
+}
+
+TEST_F(SqliteStoreTest, ALockOfAnotherProgramTimesOutAndHarmsNothing) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    SQLite::Database other(options.path, SQLite::OPEN_READWRITE);
+    other.exec("BEGIN IMMEDIATE");
+    EXPECT_EQ(refusal([&] { store.putEvents(pump, "lost"); }),
+              "The event store '" + options.path +
+                  "' is locked by another program (database is locked). Find "
+                  "what keeps it open for writing, then repeat the call.");
+    EXPECT_EQ(store.getEvents(valve)->text, "");
+    other.exec("ROLLBACK");
+    store.putEvents(pump, "found");
+    EXPECT_EQ(store.getEvents(valve)->text, "found");
+}
+
+TEST_F(SqliteStoreTest, ALockOfAnotherProgramIsWaitedFor) {
+    options.busyTimeoutMilliseconds = 10000;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    SQLite::Database other(options.path, SQLite::OPEN_READWRITE);
+    other.exec("BEGIN IMMEDIATE");
+    std::thread release([&other] { other.exec("ROLLBACK"); });
+    EXPECT_THAT(*store.registerClient(valve), ElementsAre("pump", "valve"));
+    release.join();
+}

@@ -1,0 +1,132 @@
+#include "emulator/store/StoreUrl.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "emulator/store/MemoryStore.h"
+#include "emulator/store/SqliteStore.h"
+#include "emulator/store/StoreError.h"
+#include "tests/emulator/Environment.h"
+#include "tests/emulator/TemporaryFolder.h"
+
+using namespace Orvane::Net::OvModelEventManager::Emulator;
+
+namespace {
+
+const std::string forms =
+    "Set OVMEM_STORE to sqlite:PATH, sqlite:PATH?synchronous=NORMAL, "
+    "sqlite:PATH?synchronous=FULL or memory:.";
+
+std::string refusal(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const StoreError& error) {
+        return error.what();
+    }
+    return "no refusal";
+}
+
+std::string refusalOf(const std::string& url) {
+    return refusal([&url] { parseStoreUrl(url); });
+}
+
+}  // namespace
+
+TEST(StoreUrl, MemoryHasNoOptions) {
+    EXPECT_EQ(parseStoreUrl("memory:"), std::nullopt);
+}
+
+TEST(StoreUrl, ASqliteUrlGivesAPathAndFullSynchronisation) {
+    const auto options = parseStoreUrl("sqlite:/var/lib/events.db");
+    EXPECT_EQ(options->path, "/var/lib/events.db");
+    EXPECT_EQ(options->synchronous, Synchronous::full);
+}
+
+TEST(StoreUrl, SynchronisationCanBeChosen) {
+    const auto normal = parseStoreUrl("sqlite:/e.db?synchronous=NORMAL");
+    EXPECT_EQ(normal->path, "/e.db");
+    EXPECT_EQ(normal->synchronous, Synchronous::normal);
+    const auto full = parseStoreUrl("sqlite:/e.db?synchronous=FULL");
+    EXPECT_EQ(full->path, "/e.db");
+    EXPECT_EQ(full->synchronous, Synchronous::full);
+}
+
+TEST(StoreUrl, ARelativePathIsThatOfTheWorkingDirectory) {
+    EXPECT_EQ(parseStoreUrl("sqlite:events.db")->path,
+              (std::filesystem::current_path() / "events.db").string());
+    EXPECT_EQ(parseStoreUrl("sqlite::memory:")->path,
+              (std::filesystem::current_path() / ":memory:").string());
+}
+
+TEST(StoreUrl, AnythingElseIsRefusedWithTheFormsThatExist) {
+    EXPECT_EQ(refusalOf("postgresql://host/events"),
+              "The store URL 'postgresql://host/events' names a PostgreSQL "
+              "store, which is not built in. " +
+                  forms);
+    EXPECT_EQ(refusalOf("postgres://host/events"),
+              "The store URL 'postgres://host/events' names a PostgreSQL "
+              "store, which is not built in. " +
+                  forms);
+    EXPECT_EQ(
+        refusalOf("/var/lib/events.db"),
+        "The store URL '/var/lib/events.db' is of no known kind. " + forms);
+    EXPECT_EQ(refusalOf(""), "The store URL '' is of no known kind. " + forms);
+    EXPECT_EQ(refusalOf("memory:x"),
+              "The store URL 'memory:x' is of no known kind. " + forms);
+    EXPECT_EQ(refusalOf("sqlite:"),
+              "The store URL 'sqlite:' names no file. " + forms);
+    EXPECT_EQ(
+        refusalOf("sqlite:?synchronous=FULL"),
+        "The store URL 'sqlite:?synchronous=FULL' names no file. " + forms);
+    EXPECT_EQ(refusalOf("sqlite:/var/lib/"),
+              "The store URL 'sqlite:/var/lib/' names no file. " + forms);
+    EXPECT_EQ(refusalOf("sqlite:/e.db?synchronous=OFF"),
+              "The store URL 'sqlite:/e.db?synchronous=OFF' has an unknown "
+              "option. " +
+                  forms);
+    EXPECT_EQ(refusalOf("sqlite:/e.db?"),
+              "The store URL 'sqlite:/e.db?' has an unknown option. " + forms);
+}
+
+TEST(StoreUrl, TheEnvironmentSaysWhereTheStoreIs) {
+    OvMemTest::Environment environment;
+    environment.set("HOME", "/home/ada");
+    environment.set("XDG_STATE_HOME", "/state");
+    environment.set("OVMEM_STORE", "memory:");
+    EXPECT_EQ(storeUrlOfEnvironment(), "memory:");
+    environment.set("OVMEM_STORE", "");
+    EXPECT_EQ(storeUrlOfEnvironment(), "sqlite:/state/ovmem/events.db");
+    environment.unset("OVMEM_STORE");
+    EXPECT_EQ(storeUrlOfEnvironment(), "sqlite:/state/ovmem/events.db");
+    environment.unset("XDG_STATE_HOME");
+    EXPECT_EQ(storeUrlOfEnvironment(),
+              "sqlite:/home/ada/.local/state/ovmem/events.db");
+    environment.unset("HOME");
+    EXPECT_EQ(refusal([] { storeUrlOfEnvironment(); }),
+              "No variable says where the event store is: OVMEM_STORE, "
+              "XDG_STATE_HOME and HOME are not set. " +
+                  forms);
+}
+
+TEST(StoreUrl, OpeningMakesTheStoreOfItsKindAndTheFoldersAboveIt) {
+    const OvMemTest::TemporaryFolder folder;
+    const auto memory = openStore("memory:");
+    EXPECT_NE(dynamic_cast<MemoryStore*>(memory.get()), nullptr);
+    const auto sqlite = openStore("sqlite:" + folder.file("a/b/events.db"));
+    EXPECT_NE(dynamic_cast<SqliteStore*>(sqlite.get()), nullptr);
+    EXPECT_TRUE(std::filesystem::exists(folder.file("a/b/events.db")));
+}
+
+TEST(StoreUrl, AFolderThatCannotBeMadeIsReported) {
+    const OvMemTest::TemporaryFolder folder;
+    std::ofstream(folder.file("file")) << "not a folder";
+    EXPECT_EQ(
+        refusal([&] { openStore("sqlite:" + folder.file("file/sub/e.db")); }),
+        "The folder '" + folder.file("file/sub") +
+            "' of the event store cannot be made (Not a directory). Make it "
+            "yourself, or set OVMEM_STORE to another place.");
+}
