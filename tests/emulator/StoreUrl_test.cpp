@@ -94,7 +94,7 @@ TEST(StoreUrl, AnythingElseIsRefusedWithTheFormsThatExist) {
 
 TEST(StoreUrl, TheEnvironmentSaysWhereTheStoreIs) {
     OvMemTest::Environment environment;
-    environment.set("HOME", "/home/ada");
+    environment.set("HOME", "/users/ada");
     environment.set("XDG_STATE_HOME", "/state");
     environment.set("OVMEM_STORE", "memory:");
     EXPECT_EQ(storeUrlOfEnvironment(), "memory:");
@@ -104,7 +104,7 @@ TEST(StoreUrl, TheEnvironmentSaysWhereTheStoreIs) {
     EXPECT_EQ(storeUrlOfEnvironment(), "sqlite:/state/ovmem/events.db");
     environment.unset("XDG_STATE_HOME");
     EXPECT_EQ(storeUrlOfEnvironment(),
-              "sqlite:/home/ada/.local/state/ovmem/events.db");
+              "sqlite:/users/ada/.local/state/ovmem/events.db");
     environment.unset("HOME");
     EXPECT_EQ(refusal([] { storeUrlOfEnvironment(); }),
               "No variable says where the event store is: OVMEM_STORE, "
