@@ -1,14 +1,14 @@
 #include "emulator/store/MemoryStore.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 ClientList MemoryStore::registerClient(const Identity& caller) {
     const std::lock_guard lock(mutex);
     Server& server = servers[caller.serverId];
-    if (server.cursors.try_emplace(caller.clientId, server.next - 1).second) {
-        server.clients.reset();
+    if (!server.cursors.contains(caller.clientId)) {
+        server.add(caller.clientId);
     }
     return server.list();
 }
@@ -19,7 +19,9 @@ ClientList MemoryStore::unregisterClient(const Identity& caller) {
     if (!server) {
         return nullptr;
     }
-    server->cursors.erase(caller.clientId);
+    const auto client = server->cursors.find(caller.clientId);
+    server->positions.erase(server->positions.find(client->second));
+    server->cursors.erase(client);
     server->clients.reset();
     server->trim();
     return server->list();
@@ -70,8 +72,7 @@ std::optional<PendingEvents> MemoryStore::getEvents(const Identity& caller) {
 void MemoryStore::consume(const Identity& caller, std::int64_t upto) {
     const std::lock_guard lock(mutex);
     if (Server* server = serverOf(caller)) {
-        std::int64_t& cursor = server->cursors.at(caller.clientId);
-        cursor = std::max(cursor, upto);
+        server->moveCursor(caller.clientId, upto);
         server->trim();
     }
 }
@@ -102,22 +103,43 @@ ClientList MemoryStore::Server::list() {
     return clients;
 }
 
-// A client that only sends would otherwise keep its own events for ever.
-void MemoryStore::Server::stepOverOwn(const std::string& clientId) {
+void MemoryStore::Server::add(const std::string& clientId) {
+    const auto position = positions.insert(next - 1);
+    try {
+        cursors.emplace(clientId, next - 1);
+    } catch (...) {
+        positions.erase(position);
+        throw;
+    }
+    clients.reset();
+}
+
+void MemoryStore::Server::moveCursor(const std::string& clientId,
+                                     std::int64_t upto) {
     std::int64_t& cursor = cursors.at(clientId);
-    auto event = events.upper_bound(cursor);
-    while (event != events.end() && event->second.sender == clientId) {
-        cursor = event->first;
-        ++event;
+    if (cursor < upto) {
+        auto position = positions.extract(cursor);
+        position.value() = upto;
+        positions.insert(std::move(position));
+        cursor = upto;
     }
 }
 
-void MemoryStore::Server::trim() {
-    std::int64_t consumed = next - 1;
-    for (const auto& client : cursors) {
-        consumed = std::min(consumed, client.second);
+// A client that only sends would otherwise keep its own events for ever.
+void MemoryStore::Server::stepOverOwn(const std::string& clientId) {
+    std::int64_t reached = cursors.at(clientId);
+    auto event = events.upper_bound(reached);
+    while (event != events.end() && event->second.sender == clientId) {
+        reached = event->first;
+        ++event;
     }
-    events.erase(events.begin(), events.upper_bound(consumed));
+    moveCursor(clientId, reached);
+}
+
+void MemoryStore::Server::trim() {
+    const auto end = positions.empty() ? events.end()
+                                       : events.upper_bound(*positions.begin());
+    events.erase(events.begin(), end);
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
+#include <set>
 
 #include "emulator/store/EventStore.h"
 
@@ -35,9 +36,12 @@ private:
         std::int64_t next = 1;
         std::map<std::string, std::int64_t> cursors;  // by client
         std::map<std::int64_t, Event> events;         // by number
+        std::multiset<std::int64_t> positions;        // of all cursors
         ClientList clients;  // of the cursors; null when out of date
 
         ClientList list();
+        void add(const std::string& clientId);
+        void moveCursor(const std::string& clientId, std::int64_t upto);
         void stepOverOwn(const std::string& clientId);
         void trim();
     };

@@ -1,6 +1,7 @@
 #include "emulator/store/SqliteSession.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -185,11 +186,15 @@ ClientList SqliteSession::clientsOf(std::int64_t server, std::int64_t epoch) {
 // Only for what is committed: a later commit would bear the same epoch as one
 // that was rolled back.
 void SqliteSession::remember(std::int64_t server, std::int64_t epoch,
-                             const ClientList& clients) {
+                             const ClientList& clients) noexcept {
     if (lists.size() >= cachedLists) {
         lists.clear();
     }
-    lists[server] = CachedList{epoch, clients};
+    try {
+        lists[server] = CachedList{epoch, clients};
+    } catch (const std::bad_alloc&) {
+        // What was done stays done; the list is read again next time.
+    }
 }
 
 // A client that only sends would otherwise keep its own events for ever.

@@ -64,7 +64,7 @@ private:
     ClientList clientsOf(std::int64_t server, std::int64_t epoch);
     void setBusyTimeout();
     void remember(std::int64_t server, std::int64_t epoch,
-                  const ClientList& clients);
+                  const ClientList& clients) noexcept;
     void stepOverOwn(const Member& sender, const std::string& clientId,
                      std::int64_t number);
     void trim(std::int64_t server);

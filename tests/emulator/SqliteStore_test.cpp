@@ -1,5 +1,6 @@
 #include "emulator/store/SqliteStore.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "emulator/store/SqliteFile.h"
+#include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
 #include "tests/emulator/TemporaryFolder.h"
 
@@ -238,4 +240,16 @@ TEST_F(SqliteStoreTest, ALockOfAnotherProgramIsWaitedFor) {
     std::thread release([&other] { other.exec("ROLLBACK"); });
     EXPECT_THAT(*store.registerClient(valve), ElementsAre("pump", "valve"));
     release.join();
+}
+
+TEST_F(SqliteStoreTest, TheTimeBeforeACallIsTakenOffItsWaiting) {
+    using std::chrono::steady_clock;
+    options.busyTimeoutMilliseconds = 60000;
+    SqliteSession session(options);
+    SQLite::Database other(options.path, SQLite::OPEN_READWRITE);
+    other.exec("BEGIN IMMEDIATE");
+    const auto start = steady_clock::now();
+    session.waitUntil(start);
+    EXPECT_THROW(session.registerClient(pump), SQLite::Exception);
+    EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(30));
 }
