@@ -3,6 +3,7 @@
 
 #include "OvMemCppBinding/client/Exceptions.h"
 #include "tests/client/ConnectionTest.h"
+#include "tests/client/WithoutConverters.h"
 
 // registerClient, unregisterClient and getSharedClients.
 
@@ -282,6 +283,26 @@ TEST_F(OvMEMConnectionRegistration, AFailureOfAskingIsThrownByValue) {
               (Thrown{"OvMEMProtocolException", 0, "malformed"}));
     EXPECT_EQ(takeTransportCalls(), refused(askingWhoShares));
     EXPECT_EQ(identity(), (Texts{"plant", "pump", "en_GB"}));
+}
+
+// Headers that cannot be converted.
+
+TEST_F(OvMEMConnectionRegistration, AFailedConversionStopsTheRequest) {
+    const std::string message =
+        "Exception occurred while converting to UTF-8 bytes.";
+    identify();
+    withoutConverters([&] {
+        EXPECT_EQ(thrownBy([this] { registerNow(); }),
+                  (Thrown{"OvMEMRuntimeException", 0, message}));
+        EXPECT_EQ(identity(), (Texts{"plant", "pump", "en_GB"}));
+        EXPECT_EQ(thrownBy([this] { ask(); }),
+                  (Thrown{"OvMEMRuntimeException", 0, message}));
+        EXPECT_EQ(thrownBy([this] { unregister(); }),
+                  (Thrown{"Exception", 0, message}));
+        EXPECT_EQ(identity(), (Texts{"", "", "en_GB"}));
+        EXPECT_EQ(takeTransportCalls(), Calls{});
+        EXPECT_EQ(shared, (Texts{"before"}));
+    });
 }
 
 // The reply of all three.

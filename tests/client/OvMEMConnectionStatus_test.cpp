@@ -4,6 +4,7 @@
 #include "OvMemCppBinding/client/Exceptions.h"
 #include "OvMemCppBinding/util/DomException.h"
 #include "tests/client/ConnectionTest.h"
+#include "tests/client/WithoutConverters.h"
 
 // getStatus.
 
@@ -109,6 +110,14 @@ TEST_F(OvMEMConnectionStatus, ABrokenTransportIsAFailedConnectionToo) {
     EXPECT_EQ(takeTransportCalls(),
               (Calls{checking.headers(), "OvMem_SendEOF()", "OvMem_Receive()",
                      "OvMem_Receive()"}));
+}
+
+TEST_F(OvMEMConnectionStatus, AFailedConversionIsAFailedConnectionToo) {
+    identify();
+    withoutConverters([this] {
+        EXPECT_EQ(thrownBy([this] { connection.getStatus(); }), failed);
+        EXPECT_EQ(takeTransportCalls(), Calls{});
+    });
 }
 
 TEST_F(OvMEMConnectionStatus, EveryClientExceptionIsReplaced) {

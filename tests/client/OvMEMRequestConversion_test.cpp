@@ -1,12 +1,10 @@
-#include <cstdlib>
-#include <functional>
 #include <sstream>
 #include <string>
 
-#include <unicode/uclean.h>
 #include <unicode/ucnv.h>
 
 #include "OvMemCppBinding/client/OvMEMRequest.h"
+#include "tests/client/WithoutConverters.h"
 #include "tests/support/Quoted.h"
 #include "tests/support/RunInChild.h"
 #include "tests/support/ScriptedPlatformTest.h"
@@ -91,50 +89,12 @@ TEST_F(OvMEMRequestConversion, OnlyTheHeadersAreConverted) {
                      "OvMem_Complete()"}));
 }
 
-// A heap for ICU that can run dry.
-
-namespace {
-
-bool icuHeapIsDry = false;
-
-extern "C" {
-
-static void* U_CALLCONV allocateForIcu(const void*, size_t size) {
-    return icuHeapIsDry ? nullptr : std::malloc(size);
-}
-
-static void* U_CALLCONV reallocateForIcu(const void*, void* block,
-                                         size_t size) {
-    return icuHeapIsDry ? nullptr : std::realloc(block, size);
-}
-
-static void U_CALLCONV releaseForIcu(const void*, void* block) {
-    std::free(block);
-}
-}
-
-const Thrown conversionFailed{
-    "OvMEMRuntimeException", 0,
-    "Exception occurred while converting to UTF-8 bytes."};
-
-class OvMEMRequestConversionFailure : public OvMEMRequestConversion {
+class OvMEMRequestConversionFailure : public ScriptedPlatformTest {
 protected:
-    // Runs `code` in a process in which no converter can be opened.
-    static void withoutConverters(const std::function<void()>& code) {
-        runInChild([&code] {
-            UErrorCode error = U_ZERO_ERROR;
-            u_cleanup();
-            u_setMemoryFunctions(nullptr, allocateForIcu, reallocateForIcu,
-                                 releaseForIcu, &error);
-            ASSERT_TRUE(U_SUCCESS(error)) << u_errorName(error);
-            icuHeapIsDry = true;
-            code();
-            icuHeapIsDry = false;
-        });
-    }
+    const Thrown conversionFailed{
+        "OvMEMRuntimeException", 0,
+        "Exception occurred while converting to UTF-8 bytes."};
 };
-
-}  // namespace
 
 TEST_F(OvMEMRequestConversionFailure, SendHeadersReplacesTheException) {
     withoutConverters([this] {
@@ -174,7 +134,7 @@ TEST_F(OvMEMRequestConversionFailure, TheRequestWorksAgainAfterwards) {
     withoutConverters([this] {
         OvMEMRequest request;
         EXPECT_EQ(thrownBy([&] { request.sendHeaders(); }), conversionFailed);
-        icuHeapIsDry = false;
+        allowConverters();
         request.sendHeaders();
         EXPECT_EQ(transport.takeCalls(),
                   (Calls{R"(OvMem_SendNoAck("\r\n"))", "OvMem_SendEOF()"}));

@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/PrivateAccess.h"
+
 namespace Orvane::Net::OvModelEventManager::Client {
+
+using OvMemTest::capacityOf;
 
 namespace {
 
@@ -63,6 +67,21 @@ TEST(ReplyBuffer, KeepsTheBytesAcrossEveryGrowth) {
             ASSERT_EQ(inPieces(bytes, size), bytes) << length << " by " << size;
         }
     }
+}
+
+TEST(ReplyBuffer, TheFirstBlockHoldsAFullReceiveBufferAndThenDoubles) {
+    const std::string full(16384, 'x');
+    ReplyBuffer buffer;
+    EXPECT_EQ(capacityOf(buffer), 16384u);
+    buffer.append(full.data(), full.size());
+    EXPECT_EQ(capacityOf(buffer), 16384u);
+    buffer.append("y", 1);
+    EXPECT_EQ(capacityOf(buffer), 32768u);
+    buffer.append(full.data(), full.size() - 1);
+    EXPECT_EQ(capacityOf(buffer), 32768u);
+    buffer.append("z", 1);
+    EXPECT_EQ(capacityOf(buffer), 65536u);
+    EXPECT_EQ(buffer.text(), full + "y" + full.substr(1) + "z");
 }
 
 TEST(ReplyBuffer, APieceMayNeedSeveralDoublings) {

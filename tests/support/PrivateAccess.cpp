@@ -41,6 +41,11 @@ struct ReservedInException {
     friend Member reveal(ReservedInException);
 };
 
+struct Capacity {
+    using Member = std::size_t ReplyBuffer::*;
+    friend Member reveal(Capacity);
+};
+
 struct IsClientRegistered {
     using Member = bool (OvMEMConnection::*)();
     friend Member reveal(IsClientRegistered);
@@ -68,6 +73,7 @@ template struct Reveal<Locale, &OvMEMConnection::locale>;
 template struct Reveal<OvMemStarted, &OvMEMConnection::ovMemStarted>;
 template struct Reveal<Reserved, &OvMEMConnection::reserved>;
 template struct Reveal<ReservedInException, &Exception::reserved>;
+template struct Reveal<Capacity, &ReplyBuffer::capacity>;
 template struct Reveal<IsClientRegistered,
                        &OvMEMConnection::isClientRegistered>;
 template struct Reveal<InitOvMem, &OvMEMConnection::initOvMem>;
@@ -98,6 +104,10 @@ bool& reservedOf(OvMEMConnection& connection) {
 
 int& reservedOf(Exception& exception) {
     return exception.*reveal(ReservedInException());
+}
+
+std::size_t capacityOf(ReplyBuffer& buffer) {
+    return buffer.*reveal(Capacity());
 }
 
 bool isClientRegistered(OvMEMConnection& connection) {
