@@ -47,6 +47,16 @@ public:
     mutable int asked = 0;
 };
 
+// The private forms of ref and unref.
+template <auto addRef, auto removeRef>
+struct PrivateForms {
+    friend void addRefOf(BaseObject& object) { (object.*addRef)(); }
+    friend void removeRefOf(BaseObject& object) { (object.*removeRef)(); }
+};
+void addRefOf(BaseObject& object);
+void removeRefOf(BaseObject& object);
+template struct PrivateForms<&BaseObject::addRef, &BaseObject::removeRef>;
+
 TEST(BaseObject, BeginsWithCountZero) {
     const Leaf leaf;
     EXPECT_EQ(leaf.askRefCount(), 0);
@@ -89,6 +99,19 @@ TEST(BaseObject, TheLastHolderDeletesItThroughItsVirtualDestructor) {
     BaseObject* object = leaf;
     object->ref();
     object->unref();
+    EXPECT_EQ(destroyed, 1);
+}
+
+TEST(BaseObject, ItsPrivateFormsCountLikeThePublicOnes) {
+    int destroyed = 0;
+    auto* leaf = new Leaf;
+    leaf->destroyed = &destroyed;
+    addRefOf(*leaf);
+    leaf->ref();
+    EXPECT_EQ(leaf->askRefCount(), 2);
+    leaf->unref();
+    EXPECT_EQ(destroyed, 0);
+    removeRefOf(*leaf);
     EXPECT_EQ(destroyed, 1);
 }
 

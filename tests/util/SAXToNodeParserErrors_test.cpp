@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include <gtest/gtest.h>
+#include <xercesc/sax/SAXParseException.hpp>
 
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 #include "tests/support/Thrown.h"
@@ -134,6 +135,17 @@ TEST_F(SAXToNodeParserErrors, ARelativeFileNameBecomesAbsoluteInTheReport) {
     const std::string file = dataFolder + "/mismatched-tag.xml";
     EXPECT_EQ(thrownByFile(std::filesystem::relative(file).string()).message,
               thrownByFile(file).message);
+}
+
+TEST_F(SAXToNodeParserErrors, ALaterErrorStillKnowsTheFile) {
+    const std::string file = dataFolder + "/namespaces.xml";
+    SAXToNodeParser parser;
+    parser.parseFile(file);
+    EXPECT_EQ(
+        thrownBy([&] {
+            parser.error(xercesc::SAXParseException(u"m", u"", u"", 1, 1));
+        }).message,
+        "XML Document '" + file + "' does not exist.\n");
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 
+#include <algorithm>
 #include <thread>
 #include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/sax2/XMLReaderFactory.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "tests/support/SystemCheck.h"
@@ -226,6 +229,28 @@ struct ReaderOfParser {
 auto& readerOf(SAXToNodeParser& parser);
 template struct ReaderOfParser<&SAXToNodeParser::reader>;
 
+TEST_F(SAXToNodeParserTree, TheReaderWorksWithItsDefaults) {
+    parse("<r/>");
+    xercesc::SAX2XMLReader& reader = *readerOf(parser);
+    const std::unique_ptr<xercesc::SAX2XMLReader> untouched(
+        xercesc::XMLReaderFactory::createXMLReader());
+    for (const XMLCh* feature :
+         {xercesc::XMLUni::fgSAX2CoreValidation,
+          xercesc::XMLUni::fgSAX2CoreNameSpaces,
+          xercesc::XMLUni::fgSAX2CoreNameSpacePrefixes,
+          xercesc::XMLUni::fgXercesDynamic, xercesc::XMLUni::fgXercesSchema,
+          xercesc::XMLUni::fgXercesLoadExternalDTD,
+          xercesc::XMLUni::fgXercesContinueAfterFatalError}) {
+        EXPECT_EQ(reader.getFeature(feature), untouched->getFeature(feature))
+            << transcodeToString(feature, false);
+    }
+    EXPECT_TRUE(reader.getFeature(xercesc::XMLUni::fgSAX2CoreNameSpaces));
+    EXPECT_EQ(reader.getEntityResolver(), nullptr);
+    EXPECT_EQ(reader.getDTDHandler(), nullptr);
+    EXPECT_EQ(reader.getLexicalHandler(), nullptr);
+    EXPECT_EQ(reader.getDeclarationHandler(), nullptr);
+}
+
 TEST_F(SAXToNodeParserTree, ASecondParseLeavesTheFirstReaderBehind) {
     EXPECT_EQ(parse("<a/>").name, "a");
     const std::unique_ptr<xercesc::SAX2XMLReader> leftBehind(
@@ -273,10 +298,13 @@ TEST(SAXToNodeParserPlatform, OneStartedLaterIsGoodEnough) {
     EXPECT_EQ(another.parseString("<r/>")->name, "r");
 }
 
-// The heap of the XML library. It remembers its largest block.
-class LargestBlock : public xercesc::MemoryManager {
+// The heap of the XML library. It remembers its largest block, and is empty
+// on demand.
+class WatchedHeap : public xercesc::MemoryManager {
 public:
     void* allocate(XMLSize_t size) override {
+        if (empty)
+            throw xercesc::OutOfMemoryException();
         largest = std::max(largest, size);
         return ::operator new(size);
     }
@@ -286,24 +314,59 @@ public:
     }
 
     XMLSize_t largest = 0;
+    bool empty = false;
 };
 
-TEST(SAXToNodeParserPlatform, TheTextIsParsedInPlace) {
+class SAXToNodeParserHeap : public testing::Test {
+protected:
+    SAXToNodeParserHeap() {
+        xercesc::XMLPlatformUtils::Initialize(
+            xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, &heap);
+    }
+    ~SAXToNodeParserHeap() override { xercesc::XMLPlatformUtils::Terminate(); }
+
+    WatchedHeap heap;
+};
+
+TEST_F(SAXToNodeParserHeap, TheTextIsParsedInPlace) {
     std::string xml = "<r>";
     while (xml.size() < std::size_t{1} << 20)
         xml += "<child k=\"v\">text</child>";
     xml += "</r>";
-    LargestBlock heap;
-    xercesc::XMLPlatformUtils::Initialize(
-        xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr, &heap);
-    {
-        SAXToNodeParser parser;
-        EXPECT_EQ(parser.parseString(xml)->children.size(),
-                  (xml.size() - 7) / 25);
-    }
+    SAXToNodeParser parser;
+    EXPECT_EQ(parser.parseString(xml)->children.size(), (xml.size() - 7) / 25);
     EXPECT_GT(heap.largest, 0u);
     EXPECT_LT(heap.largest, xml.size() / 2);
-    xercesc::XMLPlatformUtils::Terminate();
+}
+
+// Runs out of memory while the element "c" begins.
+class StarvingParser : public SAXToNodeParser {
+public:
+    explicit StarvingParser(WatchedHeap& heapToEmpty) : heap(heapToEmpty) {}
+
+    void startElement(const XMLCh* uri, const XMLCh* localname,
+                      const XMLCh* qname,
+                      const xercesc::Attributes& attributes) override {
+        heap.empty = *localname == u'c';
+        try {
+            SAXToNodeParser::startElement(uri, localname, qname, attributes);
+        } catch (...) {
+            heap.empty = false;
+            throw;
+        }
+    }
+
+private:
+    WatchedHeap& heap;
+};
+
+TEST_F(SAXToNodeParserHeap, AnExceptionOfTheXmlLibraryPassesUnchanged) {
+    StarvingParser parser(heap);
+    EXPECT_THROW(parser.parseString("<r>x<c k='v'/></r>"),
+                 xercesc::OutOfMemoryException);
+    EXPECT_EQ(parser.getRootNode()->name, "r");
+    EXPECT_EQ(parser.getRootNode()->text, "x");
+    EXPECT_TRUE(parser.getRootNode()->children.empty());
 }
 
 }  // namespace

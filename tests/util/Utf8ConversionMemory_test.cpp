@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <new>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -8,8 +9,31 @@
 #include "tests/support/RunInChild.h"
 #include "tests/support/Thrown.h"
 
-// What ICU allocates is counted, and one allocation may fail. Each test is a
-// process of its own, since ICU wants to be told before its first use.
+// What ICU allocates is counted, and one allocation of its own or of the
+// library may fail. Each test is a process of its own, since ICU wants to be
+// told before its first use.
+
+namespace {
+
+int newsUntilFailure = 0;  // 0: none fails
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    if (newsUntilFailure > 0 && --newsUntilFailure == 0)
+        throw std::bad_alloc();
+    if (void* block = std::malloc(size > 0 ? size : 1))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
 
 namespace {
 
@@ -95,6 +119,27 @@ TEST(Utf8ConversionMemory, AFailureDoesNotOutliveItsCall) {
         heap.failing = 1;
         EXPECT_EQ(thrownBy([] { toUtf8("a", 1); }), noMemory);
         EXPECT_EQ(toUtf8("a", 1), "a");
+        EXPECT_EQ(heldByConverters(), 0);
+    });
+}
+
+TEST(Utf8ConversionMemory, AConversionCutShortLeavesNothingBehind) {
+    runInChild([] {
+        countFromNowOn();
+        const std::string text(50000, 'x');
+        bool converted = false;
+        int failures = 0;
+        while (!converted && failures < 100) {
+            newsUntilFailure = failures + 1;
+            try {
+                converted = toUtf8(text.data(), 50000) == text;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            newsUntilFailure = 0;
+        }
+        EXPECT_TRUE(converted);
+        EXPECT_GT(failures, 2) << "two buffers and the result";
         EXPECT_EQ(heldByConverters(), 0);
     });
 }

@@ -139,6 +139,11 @@ TEST(XmlStreamFindElementTag, ADeclarationMayOpenTheDocument) {
     EXPECT_EQ(startTag(R"(xmlns:p="U"<r/><p:r/>)", "U^r"), 15u);
 }
 
+TEST(XmlStreamFindElementTag, ADeclarationCutShortHasNoPrefix) {
+    EXPECT_EQ(startTag("xmlns:\"U<r/>", "U^r"), 8u);
+    EXPECT_EQ(startTag("xmlns:=U<r/>", "U^r"), 8u);
+}
+
 TEST(XmlStreamFindElementTag, LooksOnlyAtTheFirstOccurrenceOfTheUri) {
     EXPECT_EQ(startTag(R"(<a:U xmlns:a="U">)", "U^U"), notFound);
     EXPECT_EQ(startTag(R"(<n:r xmlns:n="U/x" xmlns:m="U"><m:r/>)", "U^r"), 0u);
