@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <string>
 
 #include "tests/cli/CliTest.h"
 
@@ -22,16 +23,17 @@ std::string makeEvents(std::size_t size) {
 
 }  // namespace
 
-TEST_F(LargeEvents, FiftyMebibytesPassBetweenTwoProcessesByteForByte) {
-    const std::size_t size = 50 * 1024 * 1024;
+TEST_F(LargeEvents, PassBetweenTwoProcessesByteForByte) {
+    const std::size_t size = OVMEM_LARGE_MEBIBYTES * 1024 * 1024;
+    const std::string bytes = std::to_string(size) + " bytes";
     const std::string sent = folder.write("sent", makeEvents(size));
     const std::string received = folder.write("received", "");
     registerClient("valve");
     EXPECT_EQ(as("pump").run({"put", sent}),
               (Outcome{0, "valve\n",
-                       "ovmem: Put 52428800 bytes; 1 other client shares the "
-                       "events.\n"}));
+                       "ovmem: Put " + bytes +
+                           "; 1 other client shares the events.\n"}));
     EXPECT_EQ(as("valve").outputTo(received).run({"get"}),
-              (Outcome{0, "", "ovmem: Got 52428800 bytes.\n"}));
+              (Outcome{0, "", "ovmem: Got " + bytes + ".\n"}));
     EXPECT_TRUE(readFile(sent) == readFile(received));
 }
