@@ -85,6 +85,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 class SAXToNodeParserErrors : public OvMemTest::XmlPlatformTest {};
 
+// As a whole this text would be well-formed.
+TEST_F(SAXToNodeParserErrors, ADocumentInUtf16IsCutOffAtItsFirstNul) {
+    EXPECT_EQ(thrownByText("\xFF\xFE<\0r\0/\0>\0"s),
+              (Thrown{"DomException", 0,
+                      "Fatal Error: parsing: From-String: line 1, char 2\n"
+                      "Message: element name expected\n"}));
+}
+
 TEST_F(SAXToNodeParserErrors, NumbersStandInTheClassicLocale) {
     const OvMemTest::CommaLocale locale;
     const std::string lines(1233, '\n');
