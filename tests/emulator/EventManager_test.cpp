@@ -114,11 +114,12 @@ TEST_F(EventManagerTest, WhoIsNotRegisteredIsToldSo) {
         {Operation::getSharedClients, "getSharedClients"},
         {Operation::getEvents, "getEvents"},
         {Operation::putEvents, "putEvents"}};
-    for (const auto& [operation, name] : operations) {
+    for (const auto& entry : operations) {
+        const Operation operation = entry.first;
         EXPECT_EQ(notRegistered([&] { answer(operation, "pump", "x"); }),
                   "The client 'pump' is not registered with the server "
                   "'plant'. Call registerClient before " +
-                      name + ".");
+                      entry.second + ".");
     }
 }
 
