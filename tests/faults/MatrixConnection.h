@@ -6,10 +6,13 @@
 
 namespace OvMemTest {
 
-// A connection brought into a state, without a call of the transport.
+// A connection whose state can be set and read, without a call of the
+// transport.
 class MatrixConnection {
 public:
-    explicit MatrixConnection(const ConnectionState& state) {
+    explicit MatrixConnection(const ConnectionState& state) { bring(state); }
+
+    void bring(const ConnectionState& state) {
         serverIdOf(connection) = state.serverId;
         clientIdOf(connection) = state.clientId;
         localeOf(connection) = state.locale;
@@ -17,13 +20,13 @@ public:
         reservedOf(connection) = state.reserved;
     }
 
-    OvMEMConnection& get() { return connection; }
-
     ConnectionState state() {
         return {serverIdOf(connection), clientIdOf(connection),
                 localeOf(connection), ovMemStartedOf(connection),
                 reservedOf(connection)};
     }
+
+    OvMEMConnection& get() { return connection; }
 
 private:
     OvMEMConnection connection;
