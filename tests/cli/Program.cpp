@@ -71,6 +71,7 @@ private:
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         result.push_back(text.data());
     }
@@ -162,7 +163,7 @@ Outcome Program::run(const Arguments& arguments) const {
     argumentTexts.insert(argumentTexts.begin(), path);
     std::vector<std::string> variables;
     for (const auto& [name, value] : environment) {
-        variables.push_back(name + "=" + value);
+        variables.emplace_back(name).append("=").append(value);
     }
     pid_t process = -1;
     check(

@@ -3,7 +3,6 @@
 using OvMemTest::CliTest;
 using OvMemTest::exchange;
 using OvMemTest::Outcome;
-using OvMemTest::Program;
 using OvMemTest::readFile;
 namespace fs = std::filesystem;
 

@@ -50,6 +50,7 @@ protected:
     std::string collect() const {
         std::barrier<> start(PUTTERS + 1);
         std::vector<std::jthread> putters;
+        putters.reserve(PUTTERS);
         for (int putter = 0; putter < PUTTERS; ++putter) {
             putters.emplace_back([&, putter] { putAll(start, putter); });
         }
