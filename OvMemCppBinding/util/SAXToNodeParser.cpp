@@ -21,6 +21,14 @@ namespace {
 
 constexpr char substituteCharacter = 0x1A;
 
+// A piece of text takes more time than memory: character references come one
+// by one.
+constexpr std::size_t pieceSize = 64;
+
+// An attribute without its texts; its place in the map is an estimate.
+constexpr std::size_t attributeSize =
+    sizeof(std::pair<std::string, std::string>) + 4 * sizeof(void*);
+
 // Deliberate: one plain flag for the process.
 // See docs/irregularities.md#substitute-flag.
 bool replaceSubCharacters = false;
@@ -78,6 +86,7 @@ void SAXToNodeParser::setReplaceSubCharacters(bool on) {
 void SAXToNodeParser::prepareReader() {
     requirePlatform();
     rootNode.reset();
+    budget = TreeBudget();
     std::unique_ptr<xercesc::SAX2XMLReader> created(
         xercesc::XMLReaderFactory::createXMLReader(
             XMLPlatformUtils::fgMemoryManager));
@@ -92,13 +101,16 @@ void SAXToNodeParser::prepareReader() {
 // Deliberate: `length` is not used; the chunk ends at its NUL.
 void SAXToNodeParser::characters(const XMLCh* chars, XMLSize_t) {
     const std::string text = transcodeToString(chars, replaceSubCharacters);
-    if (currentNode != nullptr)
+    if (currentNode != nullptr) {
+        budget.spend(pieceSize + text.size());
         currentNode->text += text;
+    }
 }
 
 void SAXToNodeParser::endDocument() {}
 
 void SAXToNodeParser::endElement(const XMLCh*, const XMLCh*, const XMLCh*) {
+    budget.leave();
     if (currentNode != nullptr)
         currentNode = currentNode->parent;
     else
@@ -114,14 +126,19 @@ void SAXToNodeParser::startDocument() {}
 void SAXToNodeParser::startElement(const XMLCh* uri, const XMLCh* localname,
                                    const XMLCh*,
                                    const xercesc::Attributes& attrs) {
+    budget.enter();
     auto node = std::make_unique<XMLNode>();
     node->name = transcodeToString(localname, false);
     node->namespaceURI = transcodeToString(uri, false);
+    budget.spend(sizeof(XMLNode) + node->name.size() +
+                 node->namespaceURI.size());
     for (XMLSize_t i = 0; i < attrs.getLength(); ++i) {
         const std::string value =
             transcodeToString(attrs.getValue(i), replaceSubCharacters);
-        node->setAttribute(transcodeToString(attrs.getLocalName(i), false),
-                           value);
+        const std::string name =
+            transcodeToString(attrs.getLocalName(i), false);
+        budget.spend(attributeSize + name.size() + value.size());
+        node->setAttribute(name, value);
     }
 
     if (!rootNode) {

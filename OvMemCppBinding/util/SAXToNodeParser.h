@@ -7,6 +7,7 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 
+#include "OvMemCppBinding/util/TreeBudget.h"
 #include "OvMemCppBinding/util/XMLNode.h"
 
 namespace Orvane::Net::OvModelEventManager::Util {
@@ -21,9 +22,10 @@ namespace Orvane::Net::OvModelEventManager::Util {
 //
 // Threads: one at a time; several parsers may work on several threads.
 //
-// THROWS: DomException for a document that is not well-formed, and when the
-// XML parser platform is not initialised; the XML library's own exceptions
-// pass unchanged. After a failure the parser is not used again.
+// THROWS: DomException for a document that is not well-formed, for one beyond
+// the limits of an XmlPlatformGuard, and when the XML parser platform is not
+// initialised; the XML library's own exceptions pass unchanged. After a failure
+// the parser is not used again.
 class SAXToNodeParser : public xercesc::DefaultHandler {
 public:
     SAXToNodeParser();
@@ -78,6 +80,7 @@ private:
     std::string reservedText;                        // empty
     std::string documentName;  // for the report of a missing document
     const char* documentText;  // borrowed from the latest parseString
+    TreeBudget budget;         // of the latest parse
 };
 
 // `source` in the code page of the process, up to its NUL; with `replaceSub`

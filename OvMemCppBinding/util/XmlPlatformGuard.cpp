@@ -1,0 +1,144 @@
+#include "OvMemCppBinding/util/XmlPlatformGuard.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include <xercesc/util/PanicHandler.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLNetAccessor.hpp>
+
+#include "OvMemCppBinding/util/DomException.h"
+#include "OvMemCppBinding/util/LimitedMemory.h"
+#include "OvMemCppBinding/util/RestrictedFiles.h"
+#include "OvMemCppBinding/util/TreeBudget.h"
+
+namespace Orvane::Net::OvModelEventManager::Util {
+
+using xercesc::XMLPlatformUtils;
+
+namespace {
+
+constexpr std::size_t maxDepth = 1000;
+constexpr const char* dtdSwitch = "XERCES_DISABLE_DTD";
+
+// In place of the XML library's own, which ends the process.
+class ThrowingPanicHandler : public xercesc::PanicHandler {
+public:
+    void panic(const PanicReasons reason) override {
+        throw DomException(
+            std::string("XmlPlatformGuard: the XML library cannot go on: ") +
+            getPanicReasonString(reason));
+    }
+};
+
+std::string realFolder(const std::string& folder) {
+    std::error_code failed;
+    const auto real = std::filesystem::canonical(folder, failed);
+    if (failed || !std::filesystem::is_directory(real, failed))
+        throw DomException("XmlPlatformGuard: '" + folder +
+                           "' is not a folder");
+    return real.string();
+}
+
+void requirePlatformNotRunning() {
+    if (XMLPlatformUtils::fgMemoryManager != nullptr) {
+        throw DomException(
+            "XmlPlatformGuard: the XML parser platform runs already");
+    }
+}
+
+// The readers of the XML library ask the environment whether they are to
+// refuse DTDs. Afterwards it is what it was before.
+class DtdsOff {
+public:
+    DtdsOff() {
+        if (const char* value = std::getenv(dtdSwitch))
+            before = value;
+        setenv(dtdSwitch, "1", 1);
+    }
+    ~DtdsOff() {
+        if (before)
+            setenv(dtdSwitch, before->c_str(), 1);
+        else
+            unsetenv(dtdSwitch);
+    }
+    DtdsOff(const DtdsOff&) = delete;
+    DtdsOff& operator=(const DtdsOff&) = delete;
+
+private:
+    std::optional<std::string> before;
+};
+
+// One initialisation of the platform. It is not told of any limit until it
+// has started: the XML library does not recover from a start cut short.
+class PlatformHold {
+public:
+    PlatformHold() {
+        // The platform may outlive the guard, and needs the handler as long.
+        static ThrowingPanicHandler panicHandler;
+        LimitedMemory::instance().liftLimit();
+        XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale,
+                                     nullptr, &panicHandler,
+                                     &LimitedMemory::instance());
+    }
+    ~PlatformHold() { XMLPlatformUtils::Terminate(); }
+    PlatformHold(const PlatformHold&) = delete;
+    PlatformHold& operator=(const PlatformHold&) = delete;
+};
+
+class TreeLimits {
+public:
+    explicit TreeLimits(std::size_t bytes) {
+        TreeBudget::setLimits(maxDepth, bytes);
+    }
+    ~TreeLimits() { TreeBudget::liftLimits(); }
+    TreeLimits(const TreeLimits&) = delete;
+    TreeLimits& operator=(const TreeLimits&) = delete;
+};
+
+void closeNetwork() {
+    delete std::exchange(XMLPlatformUtils::fgNetAccessor, nullptr);
+}
+
+// The platform owns its file access, and ends it.
+void restrictFiles(const std::string& folder) {
+    std::unique_ptr<xercesc::XMLFileMgr> files(
+        std::exchange(XMLPlatformUtils::fgFileMgr, nullptr));
+    XMLPlatformUtils::fgFileMgr = new (XMLPlatformUtils::fgMemoryManager)
+        RestrictedFiles(std::move(files), folder);
+}
+
+}  // namespace
+
+class XmlPlatformGuard::Platform {
+public:
+    Platform(const std::string& folder, std::size_t memoryLimit)
+        : treeLimits(memoryLimit) {
+        closeNetwork();
+        restrictFiles(folder);
+        LimitedMemory::instance().limitGrowth(memoryLimit);
+    }
+
+private:
+    DtdsOff dtdsOff;
+    TreeLimits treeLimits;
+    PlatformHold hold;
+};
+
+XmlPlatformGuard::XmlPlatformGuard(std::size_t memoryLimit) {
+    requirePlatformNotRunning();
+    platform.reset(new Platform(std::string(), memoryLimit));
+}
+
+XmlPlatformGuard::XmlPlatformGuard(const std::string& folder,
+                                   std::size_t memoryLimit) {
+    requirePlatformNotRunning();
+    platform.reset(new Platform(realFolder(folder), memoryLimit));
+}
+
+XmlPlatformGuard::~XmlPlatformGuard() = default;
+
+}  // namespace Orvane::Net::OvModelEventManager::Util
