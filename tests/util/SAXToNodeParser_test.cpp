@@ -269,6 +269,16 @@ TEST_F(SAXToNodeParserTree, ASecondParseFreesTheFirstTreeBeforeItStarts) {
     EXPECT_EQ(parser.getRootNode()->name, "");
 }
 
+TEST_F(SAXToNodeParserTree, ASecondParseHasABudgetOfItsOwn) {
+    TreeBudget::setLimits(1, 700);
+    const std::string document = "<a>" + std::string(300, 'x') + "</a>";
+    EXPECT_EQ(parse(document).text.size(), 300u);
+    const std::unique_ptr<xercesc::SAX2XMLReader> leftBehind(
+        readerOf(parser).get());
+    EXPECT_EQ(thrownBy([&] { parse(document); }), nothingThrown);
+    TreeBudget::liftLimits();
+}
+
 TEST(SAXToNodeParserPlatform, ANewParserNeedsNone) {
     ASSERT_FALSE(OvMemTest::xmlPlatformRuns());
     SAXToNodeParser parser;
