@@ -31,6 +31,8 @@ def arguments():
     parser.add_argument("--print-only", action="store_true",
                         help="measure nothing, print the table of an earlier run")
     parser.add_argument("--markdown", action="store_true", help="print the table as Markdown")
+    parser.add_argument("--update", metavar="FILE",
+                        help="replace the table in this Markdown file")
     parser.add_argument("--check", action="store_true",
                         help="fail when a figure that must be reached is missed")
     parser.add_argument("--smoke", action="store_true",
@@ -71,17 +73,18 @@ def measure_all(options, subjects):
 def report(measured, rows, options):
     runs = results.runs_of(measured)
     lines = [row.line(runs) for row in rows]
-    print(table.machine(measured))
-    print()
-    print(table.markdown(lines) if options.markdown else table.text(lines))
-    missed = sum(line.met is False for line in lines)
-    must = sum(line.met is not None for line in lines)
-    print(f"\n{must - missed} of {must} figures met.")
+    form = table.markdown if options.markdown else table.text
+    print(table.whole(measured, lines, form))
+    if options.update:
+        table.replace(options.update, table.whole(measured, lines, table.markdown))
+    missed = any(line.met is False for line in lines)
     return 1 if missed and options.check else 0
 
 
 def main():
     options = arguments()
+    if options.update:
+        options.update = os.path.abspath(options.update)
     options.programs = os.path.abspath(options.programs)
     os.chdir(os.path.dirname(options.programs))  # the build folder
     if options.print_only:

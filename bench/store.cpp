@@ -90,12 +90,18 @@ void putWaiting(benchmark::State& state) {
     putAll(state, emulator);
 }
 
+// All that is queued, and out of the queue with it: once, since then it is
+// gone.
 void get(benchmark::State& state) {
     const StoreFolder folder;
+    {
+        Emulator emulator(folder.file(), "NORMAL");
+        registerAll(emulator, 1);
+        putMany(emulator, event, gotAtOnce);
+    }
     Emulator emulator(folder.file(), name(state.range(0)));
-    registerAll(emulator, 1);
-    putMany(emulator, event, gotAtOnce);
     std::string got;
+    got.reserve(event.size() * gotAtOnce);
     for (auto _ : state) {
         emulator.getEvents(receiver(0), got);
     }
@@ -105,7 +111,7 @@ void get(benchmark::State& state) {
 
 void getRaw(benchmark::State& state) {
     const StoreFolder folder;
-    RawSqlite raw(folder.file(), name(state.range(0)));
+    RawSqlite raw(folder.file(), "NORMAL");
     for (std::int64_t i = 0; i < gotAtOnce; ++i) {
         raw.put(event);
     }
@@ -127,11 +133,7 @@ BENCHMARK(put)
 BENCHMARK(putRaw)->Name("store/put_raw")->Arg(full)->Arg(normal)->UseRealTime();
 BENCHMARK(putWaiting)->Name("store/put_waiting")->Arg(400000)->UseRealTime();
 BENCHMARK(get)->Name("store/get")->Arg(normal)->Iterations(1)->UseRealTime();
-BENCHMARK(getRaw)
-    ->Name("store/get_raw")
-    ->Arg(normal)
-    ->Iterations(1)
-    ->UseRealTime();
+BENCHMARK(getRaw)->Name("store/get_raw")->Iterations(1)->UseRealTime();
 
 }  // namespace
 
