@@ -13,7 +13,8 @@ namespace Orvane::Net::OvModelEventManager::Util {
 
 namespace {
 
-constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+// As much as a block may have; sums of two do not overflow.
+constexpr std::size_t unlimited = std::numeric_limits<std::ptrdiff_t>::max();
 
 // Stands before every block and tells its size.
 struct alignas(std::max_align_t) Header {
@@ -33,7 +34,8 @@ LimitedMemory::LimitedMemory()
 
 void LimitedMemory::limitGrowth(std::size_t bytes) {
     growth = bytes;
-    limit = bytes < unlimited - total ? total + bytes : unlimited;
+    const std::size_t room = unlimited - total;
+    limit = bytes < room ? total + bytes : unlimited;
 }
 
 void LimitedMemory::liftLimit() {
@@ -45,9 +47,7 @@ std::size_t LimitedMemory::held() const {
 }
 
 void* LimitedMemory::allocate(XMLSize_t size) {
-    const std::size_t before = total.fetch_add(size);
-    if (size > limit || before > limit - size) {
-        total -= size;
+    if (!take(size)) {
         throw DomException(
             "XmlPlatformGuard: the XML library may hold no more than " +
             std::to_string(growth) + " bytes");
@@ -66,6 +66,17 @@ void LimitedMemory::deallocate(void* block) {
     Header* const header = static_cast<Header*>(block) - 1;
     total -= header->size;
     std::free(header);
+}
+
+bool LimitedMemory::take(std::size_t size) {
+    if (size > limit)
+        return false;
+    std::size_t before = total;
+    do {
+        if (before > limit - size)
+            return false;
+    } while (!total.compare_exchange_weak(before, before + size));
+    return true;
 }
 
 xercesc::MemoryManager* LimitedMemory::getExceptionMemoryManager() {

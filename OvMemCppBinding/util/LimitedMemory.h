@@ -39,9 +39,12 @@ public:
 private:
     LimitedMemory();
 
+    // Counts `size` as held, unless that is beyond the limit.
+    bool take(std::size_t size);
+
     std::size_t growth;              // as granted, for the text
     std::size_t limit;               // of `total`
-    std::atomic<std::size_t> total;  // held now
+    std::atomic<std::size_t> total;  // never above `limit`
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Util
