@@ -11,6 +11,7 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "OvMemCppBinding/client/Exceptions.h"
+#include "OvMemCppBinding/client/WireFormat.h"
 #include "OvMemCppBinding/util/DomException.h"
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 
@@ -77,6 +78,11 @@ std::string describeClient(const char* name, const Exception& exception,
 
 std::string describeProtocol(const char* name,
                              const OvMEMProtocolException& exception) {
+    if (exception.getMessage() == WireFormat::oversizedChunk) {
+        return describeClient(
+            name, exception,
+            "stop the process; the transport has written past its buffer.");
+    }
     return describeClient(
         name, exception,
         "mend what was asked for; the same request will fail again.");

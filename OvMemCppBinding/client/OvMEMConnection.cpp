@@ -115,10 +115,15 @@ void OvMEMConnection::unregisterClient(
         clientId.clear();
     } catch (const Exception& failure) {
         // Deliberate: what is thrown is a plain Exception.
-        // See docs/irregularities.md#plain-exception.
-        serverId.clear();
-        clientId.clear();
-        throw Exception(failure);
+        // See docs/irregularities.md#plain-exception. Without memory for the
+        // copy the identity stays.
+        try {
+            throw Exception(failure);
+        } catch (const Exception&) {
+            serverId.clear();
+            clientId.clear();
+            throw;
+        }
     }
 }
 

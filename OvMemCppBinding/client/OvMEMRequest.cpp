@@ -173,10 +173,8 @@ std::string OvMEMRequest::receiveReply() {
             if (length < 0)
                 throwTransportError(length);
             const auto size = static_cast<std::size_t>(length);
-            if (size > WireFormat::receiveBufferSize) {
-                throw OvMEMProtocolException(
-                    "Reply chunk exceeds the receive buffer.");
-            }
+            if (size > WireFormat::receiveBufferSize)
+                throw OvMEMProtocolException(WireFormat::oversizedChunk);
             received.append(receiveBuffer.get(), size);
         }
         reply = received.text();

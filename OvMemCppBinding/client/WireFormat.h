@@ -20,6 +20,10 @@ inline constexpr int statusEndOfReply = -1;
 // Raised here, not by the transport: a text to be sent has no storage.
 inline constexpr int statusNoText = -3002;
 
+// The transport reported more than receiveBufferSize.
+inline constexpr const char* oversizedChunk =
+    "Reply chunk exceeds the receive buffer.";
+
 // The header block.
 inline constexpr const char* lineEnd = "\r\n";
 inline constexpr const char* nullValue = "null";

@@ -37,6 +37,12 @@ public:
     BaseObject(const BaseObject& other);
     BaseObject& operator=(const BaseObject& other);
 
+protected:
+    // First of the virtual functions: their order is part of the binary
+    // interface.
+    virtual ~BaseObject();
+
+public:
     // Reference count.
 
     void ref();
@@ -60,8 +66,6 @@ public:
     virtual void getNamespaces(std::set<std::string>& namespaces) const = 0;
 
 protected:
-    virtual ~BaseObject();
-
     BaseObject();
 
     // A null `namespaceURI` counts as the empty text.

@@ -39,6 +39,16 @@ void requirePlatform() {
         throw DomException("XML parser platform is not initialised");
 }
 
+bool isHighSurrogate(XMLCh unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+// The text belongs to the caller, who may free it after the parse.
+struct ForgetText {
+    const char*& text;
+    ~ForgetText() { text = nullptr; }
+};
+
 struct ReleaseText {
     void operator()(char* text) const {
         xercesc::XMLString::release(&text, XMLPlatformUtils::fgMemoryManager);
@@ -48,7 +58,7 @@ struct ReleaseText {
 }  // namespace
 
 SAXToNodeParser::SAXToNodeParser()
-    : currentNode(nullptr), documentText(nullptr) {}
+    : currentNode(nullptr), documentText(nullptr), highSurrogate(0) {}
 
 SAXToNodeParser::~SAXToNodeParser() = default;
 
@@ -56,6 +66,7 @@ XMLNode* SAXToNodeParser::parseString(const std::string& xml) {
     prepareReader();
     documentName = "From String";
     documentText = xml.c_str();
+    const ForgetText forget{documentText};
     // The terminating NUL is part of the input, and an embedded one ends it.
     xercesc::MemBufInputSource source(
         reinterpret_cast<const XMLByte*>(documentText),
@@ -84,9 +95,10 @@ void SAXToNodeParser::setReplaceSubCharacters(bool on) {
 }
 
 void SAXToNodeParser::prepareReader() {
-    requirePlatform();
     rootNode.reset();
+    requirePlatform();
     budget = TreeBudget();
+    highSurrogate = 0;
     std::unique_ptr<xercesc::SAX2XMLReader> created(
         xercesc::XMLReaderFactory::createXMLReader(
             XMLPlatformUtils::fgMemoryManager));
@@ -98,8 +110,7 @@ void SAXToNodeParser::prepareReader() {
     reader->setErrorHandler(this);
 }
 
-// Deliberate: `length` is not used; the chunk ends at its NUL.
-void SAXToNodeParser::characters(const XMLCh* chars, XMLSize_t) {
+void SAXToNodeParser::appendText(const XMLCh* chars) {
     const std::string text = transcodeToString(chars, replaceSubCharacters);
     if (currentNode != nullptr) {
         budget.spend(pieceSize + text.size());
@@ -107,9 +118,38 @@ void SAXToNodeParser::characters(const XMLCh* chars, XMLSize_t) {
     }
 }
 
+// A half that nothing followed; no well-formed document has one.
+void SAXToNodeParser::flushText() {
+    if (highSurrogate != 0) {
+        const XMLCh lone[] = {highSurrogate, 0};
+        highSurrogate = 0;
+        appendText(lone);
+    }
+}
+
+// Deliberate: `length` is not used; the chunk ends at its NUL.
+// See docs/irregularities.md#chunks-end-at-their-nul.
+void SAXToNodeParser::characters(const XMLCh* chars, XMLSize_t) {
+    const XMLSize_t length = xercesc::XMLString::stringLen(chars);
+    if (length == 0)
+        return;
+    const bool cut = isHighSurrogate(chars[length - 1]);
+    if (highSurrogate == 0 && !cut) {
+        appendText(chars);
+        return;
+    }
+    std::basic_string<XMLCh> whole;
+    if (highSurrogate != 0)
+        whole.push_back(highSurrogate);
+    whole.append(chars, cut ? length - 1 : length);
+    highSurrogate = cut ? chars[length - 1] : XMLCh(0);
+    appendText(whole.c_str());
+}
+
 void SAXToNodeParser::endDocument() {}
 
 void SAXToNodeParser::endElement(const XMLCh*, const XMLCh*, const XMLCh*) {
+    flushText();
     budget.leave();
     if (currentNode != nullptr)
         currentNode = currentNode->parent;
@@ -126,6 +166,7 @@ void SAXToNodeParser::startDocument() {}
 void SAXToNodeParser::startElement(const XMLCh* uri, const XMLCh* localname,
                                    const XMLCh*,
                                    const xercesc::Attributes& attrs) {
+    flushText();
     budget.enter();
     auto node = std::make_unique<XMLNode>();
     node->name = transcodeToString(localname, false);

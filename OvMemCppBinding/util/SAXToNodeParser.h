@@ -73,14 +73,19 @@ public:
 
 private:
     void prepareReader();
+    void appendText(const XMLCh* chars);
+    void flushText();
 
     std::unique_ptr<XMLNode> rootNode;
     XMLNode* currentNode;  // innermost open element; null outside the root
     std::unique_ptr<xercesc::SAX2XMLReader> reader;  // of the latest parse
     std::string reservedText;                        // empty
     std::string documentName;  // for the report of a missing document
-    const char* documentText;  // borrowed from the latest parseString
+    const char* documentText;  // borrowed while parseString runs
     TreeBudget budget;         // of the latest parse
+    // The reader cuts long text anywhere. Where it cuts a surrogate pair, this
+    // is the first half, which waits for the second; else 0.
+    XMLCh highSurrogate;
 };
 
 // `source` in the code page of the process, up to its NUL; with `replaceSub`

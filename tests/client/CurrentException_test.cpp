@@ -102,6 +102,15 @@ TEST(CurrentException, EachClientClassIsNamedWithItsCodeTextAndAdvice) {
               "service may still know it.");
 }
 
+TEST(CurrentException, ABrokenTransportIsNoFaultOfTheRequest) {
+    EXPECT_EQ(
+        describing(
+            OvMEMProtocolException("Reply chunk exceeds the receive buffer.")),
+        "OvMEMProtocolException (0): Reply chunk exceeds the receive buffer.\n"
+        "What to do: stop the process; the transport has written past its "
+        "buffer.");
+}
+
 TEST(CurrentException, TheTypeCodeDecidesOnTheAdvice) {
     EXPECT_EQ(
         describing(OvMEMConnectionException(-1, "OvMEM Connection failed")),

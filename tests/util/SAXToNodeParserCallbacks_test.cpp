@@ -52,6 +52,38 @@ protected:
     SAXToNodeParser parser;
 };
 
+TEST_F(SAXToNodeParserCallbacks, AMismatchedEndTagIsNoEndOutsideAnElement) {
+    const Thrown thrown = thrownBy([&] { parser.parseString("<a></b>"); });
+    EXPECT_EQ(thrown.message,
+              "Fatal Error: parsing: From-String: line 1, char 6\n"
+              "Message: expected end of tag 'a'\n");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(SAXToNodeParserCallbacks, TheHalvesOfACharacterAreJoined) {
+    const XMLCh high[] = {u'a', 0xD83D, 0};
+    const XMLCh low[] = {0xDE80, u'b', 0};
+    start(u"r");
+    text(high, 2);
+    EXPECT_EQ(root().text, "a");
+    text(low, 2);
+    EXPECT_EQ(root().text,
+              "a\xF0\x9F\x9A\x80"
+              "b");
+}
+
+TEST_F(SAXToNodeParserCallbacks, AHalfThatNothingFollowsIsReplaced) {
+    const XMLCh high[] = {u'a', 0xD83D, 0};
+    start(u"r");
+    text(high, 2);
+    start(u"c");
+    text(high, 2);
+    end(u"c");
+    end(u"r");
+    EXPECT_EQ(root().text, "a\xEF\xBF\xBD");
+    EXPECT_EQ(root().children.at(0)->text, "a\xEF\xBF\xBD");
+}
+
 TEST_F(SAXToNodeParserCallbacks, GrowATree) {
     parser.startDocument();
     start(u"r");

@@ -161,6 +161,20 @@ TEST_F(SAXToNodeParserTree, LongTextArrivesWhole) {
     EXPECT_TRUE(parse("<r>" + text + "</r>").text == text);
 }
 
+// The reader hands out text in chunks of a million units at the most.
+TEST_F(SAXToNodeParserTree, ACharacterThatTheReaderCutsInTwoArrivesWhole) {
+    constexpr std::size_t chunk = 1048576;
+    const std::string rocket = "\xF0\x9F\x9A\x80";
+    for (const std::size_t before : {chunk - 2, chunk - 1, chunk}) {
+        const std::string text = std::string(before, 'x') + rocket + "y";
+        EXPECT_TRUE(parse("<r>" + text + "</r>").text == text) << before;
+    }
+    std::string rockets = "x";
+    while (rockets.size() < 4 * chunk)
+        rockets += rocket;
+    EXPECT_TRUE(parse("<r>" + rockets + "</r>").text == rockets);
+}
+
 TEST_F(SAXToNodeParserTree, ADocumentMayBeNestedDeeply) {
     constexpr int depth = 5000;
     std::string xml;
