@@ -31,7 +31,6 @@ Receives operator+(Receives first, const Receives& second) {
     return first;
 }
 
-const Receives document{chunk(firstReplyChunk), chunk(secondReplyChunk), end};
 const Receives echo{chunk("OvMEM Status check"), end};
 const Receives events{chunk(std::string("one\0event", 9)), chunk("another"),
                       end};
@@ -87,6 +86,8 @@ void getStatus(Connection& connection, CallerValues& caller) {
 std::vector<FaultyOperation> makeOperations() {
     using Model = ClientModel;
     const CallerValues caller;
+    const Receives document{chunk(firstReplyChunk()), chunk(secondReplyChunk()),
+                            end};
     const auto start = [](Connection& connection, CallerValues&) {
         initOvMem(connection);
     };

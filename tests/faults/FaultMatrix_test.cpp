@@ -118,6 +118,13 @@ void FaultMatrix::run(const TransportFault& fault, const LastError& lastError) {
     ++ran;
 }
 
+TEST_P(FaultMatrix, WithoutAFaultTheOperationSucceeds) {
+    const Expectation expected =
+        expectationOf(GetParam(), {}, lastErrors().front());
+    EXPECT_EQ(expected.thrown, nothingThrown);
+    EXPECT_FALSE(expected.endlessStatus);
+}
+
 TEST_P(FaultMatrix, EveryStatusAtEveryCallEndsAsTheRulesSay) {
     const CaseCounts counts = forEachFault(
         GetParam(),

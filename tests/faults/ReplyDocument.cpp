@@ -70,8 +70,13 @@ Complaint complaintAbout(const std::string& reply) {
 
 }  // namespace
 
-const std::string firstReplyChunk = filledUp(head);
-const std::string secondReplyChunk = filledUp(tail);
+std::string firstReplyChunk() {
+    return filledUp(head);
+}
+
+std::string secondReplyChunk() {
+    return filledUp(tail);
+}
 
 std::vector<std::string> identifiersIn(const std::string& reply) {
     if (withoutBlanks(reply) == head + tail) {

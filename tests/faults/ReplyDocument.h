@@ -9,8 +9,8 @@ namespace OvMemTest {
 // The document that answers the operations of the matrix, in two chunks; each
 // is filled up with blanks to 1100 bytes, so that a length of about 1000 still
 // holds all of it.
-extern const std::string firstReplyChunk;
-extern const std::string secondReplyChunk;
+std::string firstReplyChunk();
+std::string secondReplyChunk();
 
 // What the client makes of this document, whole or damaged by a fault: its
 // identifiers.

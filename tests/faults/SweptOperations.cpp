@@ -247,7 +247,7 @@ std::vector<SweptOperation> longSweptOperations() {
         all.insert(all.end(), more.begin(), more.end());
     };
     add({unregistering(large), sharing(large), putting(large, 40000)});
-    add(exchanging({"Huge", identifiers(400, 120)}, 200000));
+    add(exchanging({"Huge", identifiers(120, 150)}, 100000));
     return all;
 }
 

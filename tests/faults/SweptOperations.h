@@ -30,7 +30,7 @@ struct SweptOperation {
 // 40 KB, and each way to fail.
 std::vector<SweptOperation> sweptOperations();
 
-// The others: replies of 2 KB, 40 KB and 400 identifiers, 200 KB of events.
+// The others: replies of 2 KB, 40 KB and 120 identifiers, 100 KB of events.
 std::vector<SweptOperation> longSweptOperations();
 
 }  // namespace OvMemTest
