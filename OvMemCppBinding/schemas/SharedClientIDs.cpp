@@ -86,6 +86,7 @@ void SharedClientIDs::outputXML(XmlStream& stream,
 
 void SharedClientIDs::parse(const XMLNode& node) {
     // Deliberate: the room is for this node's children, not for the sum.
+    // See docs/irregularities.md#room-for-one-node.
     if (sharedClients.capacity() < node.children.size())
         sharedClients.reserve(node.children.size());
     for (const XMLNode* child : node.children) {

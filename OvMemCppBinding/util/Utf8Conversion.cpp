@@ -59,6 +59,7 @@ std::string convert(UnicodeConverter& work, UConverter* from, UConverter* to,
             converted += piece;
         } while (error2 == U_BUFFER_OVERFLOW_ERROR);
         // Deliberate: the converters stand in this order in both directions.
+        // See docs/irregularities.md#reports-in-one-order.
         reportConversionError(work.utf8Converter.get(), error2, false);
     } while (error1 == U_BUFFER_OVERFLOW_ERROR);
     reportConversionError(work.defaultConverter.get(), error1, true);

@@ -3,6 +3,7 @@
 import sys
 
 import clang_format
+import documents
 import headers
 import include_graph
 import layout
@@ -13,7 +14,7 @@ import test_names
 from tree import Tree
 
 CHECKS = [layout, references, headers, include_graph, links, scripts, test_names,
-          clang_format]
+          documents, clang_format]
 
 
 def main(root):

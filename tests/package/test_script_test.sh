@@ -27,31 +27,32 @@ start() {
   said=$(cd / && PATH=$folder/bin:$PATH "$tree/$1" "${@:2}" 2>&1) && status=0 || status=$?
 }
 
+# suite PRESET [SELECTION]
 suite() {
   echo "== $1
 cmake --preset $1 --log-level=WARNING
 cmake --build --preset $1
-ctest --preset $1"
+ctest --preset $1${2+ $2}"
 }
 
 for script in scripts/test .ci/run; do
   start none $script
   expect_text "$script: steps" "bootstrap
 lint
-$(suite dev)" "$said"
+$(suite dev '-LE long')" "$said"
   expect_text "$script: status" 0 "$status"
 done
 
 start none scripts/test --all --no-bootstrap
 expect_text "--all: steps" "lint
-$(suite clang)
-$(suite asan)
-$(suite release)
+$(suite clang '-LE long')
+$(suite asan '-LE long')
+$(suite release '-LE long')
 $(suite dev)" "$said"
 expect_text "--all: status" 0 "$status"
 
 for step in bootstrap lint 'cmake --preset dev --log-level=WARNING' \
-  'cmake --build --preset dev' 'ctest --preset dev'; do
+  'cmake --build --preset dev' 'ctest --preset dev -LE long'; do
   start "$step" scripts/test
   expect_text "when $step fails: last step" "$step" "$(tail -n 1 <<<"$said")"
   expect_text "when $step fails: status" 1 "$status"
