@@ -1,7 +1,7 @@
 #include "tests/faults/AllocationSweep.h"
 
+#include <algorithm>
 #include <iostream>
-#include <numeric>
 
 #include <gtest/gtest.h>
 
@@ -55,9 +55,11 @@ protected:
     void sweepAll() {
         const auto& [operation, andAllAfter] = GetParam();
         const SweepResult result = sweepAllocations(operation, andAllAfter);
-        for (const std::string& complaint : result.complaints) {
-            ADD_FAILURE() << complaint;
+        for (std::size_t i = 0;
+             i < std::min<std::size_t>(result.complaints.size(), 20); ++i) {
+            ADD_FAILURE() << result.complaints[i];
         }
+        EXPECT_EQ(result.complaints.size(), 0U);
         std::uint64_t runs = 0;
         for (const auto& [type, count] : result.outcomes) {
             runs += count;

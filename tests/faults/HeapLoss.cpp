@@ -43,9 +43,9 @@ bool allocates(const std::string& frame) {
 }  // namespace
 
 std::string whoLost(const std::vector<std::string>& stack) {
-    // The innermost frame is the hook's own.
-    const auto asker = std::find_if_not(stack.begin() + (stack.empty() ? 0 : 1),
-                                        stack.end(), allocates);
+    // Further in than the request itself are the frames of its hook.
+    const auto request = std::find_if(stack.begin(), stack.end(), allocates);
+    const auto asker = std::find_if_not(request, stack.end(), allocates);
     const auto ours = std::find_if(asker, stack.end(), inThisProgram);
     if (ours == asker || ours == stack.end()) {
         return {};
