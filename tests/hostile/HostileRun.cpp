@@ -1,0 +1,188 @@
+#include "tests/hostile/HostileRun.h"
+
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "OvMemCppBinding/client/OvMEMConnection.h"
+#include "OvMemCppBinding/util/LimitedMemory.h"
+#include "OvMemCppBinding/util/XmlPlatformGuard.h"
+#include "tests/hostile/NoFilesNoSockets.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/ScriptedPlatformTest.h"
+#include "tests/support/Thrown.h"
+
+namespace OvMemTest {
+
+using Orvane::Net::OvModelEventManager::Client::OvMEMConnection;
+using Orvane::Net::OvModelEventManager::Util::LimitedMemory;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
+
+namespace {
+
+constexpr std::size_t chunkSize = 16384;
+constexpr rlim_t mayGrow = 256 << 20;
+constexpr rlim_t seconds = 20;
+
+// Bytes on their way to the transport, of which never much is held here.
+class Script {
+public:
+    explicit Script(ScriptedTransport& target) : transport(target) {
+        transport.receive(19).receive(20);
+    }
+
+    void add(const Piece& piece) {
+        std::string block = piece.text;
+        std::size_t inBlock = 1;
+        for (; block.size() < chunkSize && inBlock * 2 <= piece.times;
+             inBlock *= 2) {
+            block += block;
+        }
+        add(block, piece.times / inBlock);
+        add(piece.text, piece.times % inBlock);
+    }
+
+    void end() { transport.reply(bytes); }
+
+private:
+    void add(const std::string& text, std::size_t times) {
+        for (std::size_t time = 0; time < times; ++time) {
+            bytes += text;
+            std::size_t at = 0;
+            for (; bytes.size() - at >= chunkSize; at += chunkSize) {
+                transport.chunk(bytes.substr(at, chunkSize));
+            }
+            bytes.erase(0, at);
+        }
+    }
+
+    ScriptedTransport& transport;
+    std::string bytes;
+};
+
+void script(ScriptedTransport& transport, const std::vector<Piece>& pieces) {
+    Script script(transport);
+    for (const Piece& piece : pieces) {
+        script.add(piece);
+    }
+    script.end();
+}
+
+// Of this process, in pages: the address space and what of it is in memory.
+struct Pages {
+    Pages() { std::ifstream("/proc/self/statm") >> reserved >> resident; }
+
+    rlim_t reserved = 0;
+    rlim_t resident = 0;
+};
+
+void limit(int resource, rlim_t value) {
+    const rlimit both{value, value};
+    if (::setrlimit(resource, &both) != 0) {
+        std::perror("setrlimit");
+        std::_Exit(1);
+    }
+}
+
+double peakMebibytes() {
+    rusage usage = {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+class Registration {
+public:
+    Registration() { platform.transport.init(0); }
+
+    Thrown run(const std::vector<Piece>& pieces) {
+        script(platform.transport, pieces);
+        return run();
+    }
+
+    Thrown run() {
+        std::string server = "plant";
+        std::string client = "pump";
+        std::string locale;
+        const Thrown thrown = thrownBy(
+            [&] { connection.registerClient(server, client, locale, shared); });
+        platform.transport.takeCalls();
+        return thrown;
+    }
+
+    ScriptedPlatform platform;
+    std::vector<std::string> shared;
+
+private:
+    OvMEMConnection connection;
+};
+
+// In the child. It leaves without looking for leaks, which takes files.
+int play(const HostileReply& reply, bool guarded) {
+    std::setlocale(LC_ALL, "C.UTF-8");
+    std::optional<XmlPlatformGuard> guard;
+    if (guarded) {
+        guard.emplace(memoryLimit);
+    }
+    Registration registration;
+    // So that whatever is loaded with the first parse is there.
+    registration.run({{identifier("first")}});
+    registration.shared.clear();
+    script(registration.platform.transport, reply.pieces);
+
+    const auto held = LimitedMemory::instance().held();
+    const Pages before;
+    const auto pageSize = static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    limit(RLIMIT_AS, before.reserved * pageSize + mayGrow);
+#endif
+    limit(RLIMIT_CPU, seconds);
+    const NoFilesNoSockets watch;
+    const std::clock_t start = std::clock();
+    const Thrown thrown = registration.run();
+    const std::clock_t end = std::clock();
+
+    long long accepted = 0;
+    for (const std::string& shared : registration.shared) {
+        accepted += static_cast<long long>(shared.size());
+    }
+    std::cout << static_cast<double>(end - start) / CLOCKS_PER_SEC << " "
+              << peakMebibytes() -
+                     static_cast<double>(before.resident * pageSize >> 20)
+              << " " << watch.files() << " " << watch.sockets() << " "
+              << static_cast<long long>(LimitedMemory::instance().held() - held)
+              << " " << accepted << " " << thrown.type << "\n"
+              << thrown.message << std::flush;
+    std::_Exit(0);
+}
+
+}  // namespace
+
+HostileRun::HostileRun(const HostileReply& reply, bool guarded) {
+    ChildProcess child([&] { return play(reply, guarded); });
+    if (!child.awaitEnd(std::chrono::seconds(100))) {
+        failure = "still running";
+    } else if (child.signal()) {
+        failure = "ended by signal " + std::to_string(*child.signal());
+    } else if (child.exitStatus() != 0) {
+        failure = "ended with " + std::to_string(*child.exitStatus()) + ": " +
+                  child.errors();
+    } else {
+        std::istringstream output(child.output());
+        output >> processorTime >> growth >> outcome.files >> outcome.sockets >>
+            loss >> identifierBytes >> type;
+        output.get();
+        std::getline(output, outcome.text, '\0');
+    }
+}
+
+}  // namespace OvMemTest
