@@ -1,5 +1,6 @@
 #include "OvMemCppBinding/schemas/SharedClientIDs.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "OvMemCppBinding/util/DomException.h"
@@ -20,8 +21,13 @@ constexpr const char* schemaNamespace =
     "http://www.orvane.com/Schemas/OvModelEventManager/_2009_06/base";
 constexpr const char* childName = "sharedClients";
 
+// All or nothing: an insertion that has to make room itself moves what was
+// there before it copies, and loses it when a copy fails.
 void append(std::vector<std::string>& target,
             const std::vector<std::string>& source) {
+    const std::size_t needed = target.size() + source.size();
+    if (target.capacity() < needed)
+        target.reserve(std::max(needed, 2 * target.capacity()));
     target.insert(target.end(), source.begin(), source.end());
 }
 
