@@ -1,8 +1,9 @@
 #include "cli/ErrorReport.h"
 
-#include <exception>
-#include <memory>
+#include <cctype>
+#include <utility>
 
+#include <OvMemCppBinding/client/CurrentException.h>
 #include <OvMemCppBinding/client/Exceptions.h>
 #include <OvMemCppBinding/util/DomException.h>
 
@@ -15,40 +16,59 @@ namespace Util = Orvane::Net::OvModelEventManager::Util;
 
 namespace {
 
-const int STATUS_CHECK_FAILED = -1;
 const int NOT_REGISTERED = -2;
 
-std::string adviseByType(int type, const char* otherwise) {
-    switch (type) {
-        case STATUS_CHECK_FAILED:
-            return "The service did not answer the status check. 'ovmem "
-                   "register' reports the transport's own text.";
-        case NOT_REGISTERED:
-            return "Name the identity with --server and --client, or with "
-                   "OVMEM_SERVER and OVMEM_CLIENT.";
-        default:
-            return otherwise;
+std::string sentence(std::string words) {
+    words.front() = static_cast<char>(std::toupper(words.front()));
+    return words;
+}
+
+// What the library says, and an exit code for it. The text is a copy: an
+// exception that was thrown as a pointer is deleted by being described.
+ErrorReport reportKnown(ExitCode exitCode, const std::string& className,
+                        std::optional<int> type, std::string text) {
+    const std::string words = Client::describeCurrentException();
+    const std::string border = "\nWhat to do: ";
+    const std::size_t end = words.rfind(border);
+    return {exitCode,
+            className,
+            type,
+            std::move(text),
+            words.substr(0, end),
+            sentence(words.substr(end + border.size()))};
+}
+
+ErrorReport reportClient(ExitCode exitCode, const std::string& className,
+                         const Client::Exception& exception) {
+    ErrorReport report = reportKnown(exitCode, className, exception.getType(),
+                                     exception.getMessage());
+    // In terms of the tool.
+    if (report.type == NOT_REGISTERED) {
+        report.advice =
+            "Name the identity with --server and --client, or with "
+            "OVMEM_SERVER and OVMEM_CLIENT.";
     }
+    return report;
 }
 
-ErrorReport reportClient(ExitCode exitCode, const char* className,
-                         const Client::Exception& exception,
-                         const char* advice) {
-    return {exitCode, className, exception.getType(), exception.getMessage(),
-            adviseByType(exception.getType(), advice)};
-}
-
-ErrorReport reportProtocol(const Client::OvMEMProtocolException& exception) {
-    return reportClient(ExitCode::ProtocolException, "OvMEMProtocolException",
-                        exception,
-                        "The service refused the request as it stands; "
-                        "sending it again unchanged will fail again.");
+ErrorReport reportOther() {
+    ErrorReport report =
+        reportKnown(ExitCode::AnyOtherException, "", std::nullopt, "");
+    const std::size_t colon = report.statement.find(": ");
+    report.className = report.statement.substr(0, colon);
+    report.text = report.statement.substr(colon + 2);
+    return report;
 }
 
 ErrorReport reportFailure(const Failure& failure) {
-    const bool usage = failure.exitCode == ExitCode::Usage;
-    return {failure.exitCode, usage ? "usage" : "input/output", std::nullopt,
-            failure.text, failure.advice};
+    const std::string className =
+        failure.exitCode == ExitCode::Usage ? "usage" : "input/output";
+    return {failure.exitCode,
+            className,
+            std::nullopt,
+            failure.text,
+            className + ": " + failure.text,
+            failure.advice};
 }
 
 }  // namespace
@@ -57,42 +77,32 @@ ErrorReport reportCurrentException() {
     try {
         throw;
     } catch (const Client::OvMEMConnectionException& exception) {
-        return reportClient(
-            ExitCode::ConnectionException, "OvMEMConnectionException",
-            exception, "Check that the service can be reached; try again.");
+        return reportClient(ExitCode::ConnectionException,
+                            "OvMEMConnectionException", exception);
     } catch (const Client::OvMEMProtocolException& exception) {
-        return reportProtocol(exception);
-    } catch (Client::OvMEMProtocolException* exception) {
-        const std::unique_ptr<Client::OvMEMProtocolException> owner(exception);
-        return reportProtocol(*exception);
+        return reportClient(ExitCode::ProtocolException,
+                            "OvMEMProtocolException", exception);
+    } catch (const Client::OvMEMProtocolException* exception) {
+        return reportClient(ExitCode::ProtocolException,
+                            "OvMEMProtocolException", *exception);
     } catch (const Client::OvMEMRuntimeException& exception) {
-        return reportClient(
-            ExitCode::RuntimeException, "OvMEMRuntimeException", exception,
-            "Try again; if it persists, the platform needs attention.");
+        return reportClient(ExitCode::RuntimeException, "OvMEMRuntimeException",
+                            exception);
     } catch (const Client::OvMEMUnrecognisedException& exception) {
         return reportClient(ExitCode::UnrecognisedException,
-                            "OvMEMUnrecognisedException", exception,
-                            "Report the text; it is the transport's own.");
+                            "OvMEMUnrecognisedException", exception);
     } catch (const Client::OvMEMException& exception) {
         return reportClient(ExitCode::AnyOtherException, "OvMEMException",
-                            exception, "");
+                            exception);
     } catch (const Client::Exception& exception) {
-        return reportClient(
-            ExitCode::PlainException, "Exception", exception,
-            "The service may still know the client; see the text.");
+        return reportClient(ExitCode::PlainException, "Exception", exception);
     } catch (Util::DomException& exception) {
-        return {ExitCode::DomException, "DomException", std::nullopt,
-                exception.getMessage(),
-                "The reply is not the expected XML; is it a Model Event "
-                "Manager that answers? The request itself was carried out."};
+        return reportKnown(ExitCode::DomException, "DomException", std::nullopt,
+                           exception.getMessage());
     } catch (const Failure& failure) {
         return reportFailure(failure);
-    } catch (const std::exception& exception) {
-        return {ExitCode::AnyOtherException, "std::exception", std::nullopt,
-                exception.what(), ""};
     } catch (...) {
-        return {ExitCode::AnyOtherException, "unknown", std::nullopt,
-                "An exception of a class that ovmem does not know.", ""};
+        return reportOther();
     }
 }
 

@@ -14,6 +14,7 @@ struct ErrorReport {
     std::string className;    // "OvMEMProtocolException"
     std::optional<int> type;  // the type code, where the class has one
     std::string text;         // the exception's own, byte for byte
+    std::string statement;    // class, code and text, as the library puts it
     std::string advice;       // what to do about it; may be empty
 };
 

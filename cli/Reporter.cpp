@@ -19,18 +19,8 @@ std::string toJson(const ErrorReport& error) {
     return object.line();
 }
 
-// The XML layer's texts end in a line feed.
-std::string withoutLineEnd(const std::string& text) {
-    const std::size_t last = text.find_last_not_of('\n');
-    return last == std::string::npos ? "" : text.substr(0, last + 1);
-}
-
 std::string toWords(const ErrorReport& error) {
-    std::string words = "ovmem: " + error.className;
-    if (error.type) {
-        words += " (type " + std::to_string(*error.type) + ")";
-    }
-    words += ": " + withoutLineEnd(error.text) + "\n";
+    std::string words = "ovmem: " + error.statement + "\n";
     if (!error.advice.empty()) {
         words += "ovmem: " + error.advice + "\n";
     }

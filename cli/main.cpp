@@ -2,6 +2,8 @@
 #include <clocale>
 #include <cstring>
 
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
+
 #include "cli/ErrorReport.h"
 #include "cli/Options.h"
 #include "cli/Reporter.h"
@@ -9,6 +11,7 @@
 #include "cli/StandardStreams.h"
 
 using namespace ovmem::cli;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
@@ -25,6 +28,7 @@ ExitCode run(int count, char** arguments) {
         writeOutput(*options.answer);
         return ExitCode::Done;
     }
+    const XmlPlatformGuard guard;
     const Reporter reporter(options.json, options.quiet);
     return Session(options, reporter).run();
 }

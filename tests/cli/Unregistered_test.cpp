@@ -9,7 +9,15 @@ using Unregistered = OvMemTest::ScriptedCliTest;
 
 const Outcome NOT_REGISTERED = {
     3, "",
-    "ovmem: OvMEMProtocolException (type -2): Client not Registered with Model "
+    "ovmem: OvMEMProtocolException (-2): Client not Registered with Model "
+    "Event Manager\n"
+    "ovmem: Name the identity with --server and --client, or with OVMEM_SERVER "
+    "and OVMEM_CLIENT.\n"};
+
+// By getSharedClients it is thrown as a pointer.
+const Outcome NOT_REGISTERED_BY_POINTER = {
+    3, "",
+    "ovmem: OvMEMProtocolException* (-2): Client not Registered with Model "
     "Event Manager\n"
     "ovmem: Name the identity with --server and --client, or with OVMEM_SERVER "
     "and OVMEM_CLIENT.\n"};
@@ -17,7 +25,7 @@ const Outcome NOT_REGISTERED = {
 }  // namespace
 
 TEST_F(Unregistered, ClientsPutAndGetReportItAndSendNothing) {
-    EXPECT_EQ(ovmem.run({"clients"}), NOT_REGISTERED);
+    EXPECT_EQ(ovmem.run({"clients"}), NOT_REGISTERED_BY_POINTER);
     EXPECT_EQ(ovmem.run({"put"}), NOT_REGISTERED);
     EXPECT_EQ(ovmem.run({"get"}), NOT_REGISTERED);
     EXPECT_EQ(trace(), "");
