@@ -1,8 +1,5 @@
 #include "OvMemCppBinding/util/ParseReport.h"
 
-#include <locale>
-#include <sstream>
-
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 
 namespace Orvane::Net::OvModelEventManager::Util {
@@ -16,16 +13,16 @@ std::string composeParseReport(const char* prefix,
     if (systemId.empty())
         return "XML Document '" + documentName + "' does not exist.\n";
 
-    std::ostringstream report;
-    report.imbue(std::locale::classic());
-    report << prefix << systemId << ": line " << exception.getLineNumber()
-           << ", char " << exception.getColumnNumber() << "\n";
+    // A string, not a stream: out of memory, a stream would only cut the text.
+    std::string report = prefix + systemId + ": line " +
+                         std::to_string(exception.getLineNumber()) + ", char " +
+                         std::to_string(exception.getColumnNumber()) + "\n";
     const std::string message = transcodeToString(exception.getMessage(), true);
     if (!message.empty())
-        report << "Message: " << message << "\n";
+        report += "Message: " + message + "\n";
     if (documentText != nullptr)
-        report << "XML Document:\n" << documentText;
-    return report.str();
+        report.append("XML Document:\n").append(documentText);
+    return report;
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Util

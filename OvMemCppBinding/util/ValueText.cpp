@@ -14,8 +14,22 @@ const std::locale& classicLocale() {
     return classic;
 }
 
+// Out of memory, a stream throws instead of cutting the text short.
+template <typename Stream>
+void throwWhenBad(Stream& stream) {
+    stream.exceptions(std::ios_base::badbit);
+}
+
 template <typename Value>
-Value extract(std::istringstream& stream) {
+std::string write(std::ostringstream& stream, Value value) {
+    throwWhenBad(stream);
+    stream << value;
+    return stream.str();
+}
+
+template <typename Value>
+Value read(std::istringstream& stream) {
+    throwWhenBad(stream);
     Value value{};
     stream >> value;
     return value;
@@ -27,7 +41,7 @@ Value readClassic(const std::string& text) {
         return Value{};
     std::istringstream stream(text);
     stream.imbue(classicLocale());
-    return extract<Value>(stream);
+    return read<Value>(stream);
 }
 
 }  // namespace
@@ -38,8 +52,7 @@ std::string toString(const bool& value) {
 
 std::string toString(const int& value) {
     std::ostringstream stream;
-    stream << value;
-    return stream.str();
+    return write(stream, value);
 }
 
 std::string toString(const double& value) {
@@ -47,8 +60,7 @@ std::string toString(const double& value) {
     stream.imbue(classicLocale());
     stream.precision(digitsAfterPoint);
     stream.setf(std::ios_base::scientific, std::ios_base::floatfield);
-    stream << value;
-    return stream.str();
+    return write(stream, value);
 }
 
 std::string toString(const float& value) {
@@ -67,7 +79,7 @@ int toInt(const std::string& text) {
     if (text.empty())
         return 0;
     std::istringstream stream(text);
-    return extract<int>(stream);
+    return read<int>(stream);
 }
 
 double toDouble(const std::string& text) {

@@ -18,7 +18,7 @@ namespace Util {
 //
 // All functions may be called from any thread. None reports an error: a text
 // that does not begin with a number reads as 0, one out of range as the value
-// nearest to it.
+// nearest to it. THROWS: std::bad_alloc.
 
 // Writing.
 

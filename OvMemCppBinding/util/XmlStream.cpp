@@ -31,7 +31,10 @@ std::string declaredPrefix(const std::string& document, std::size_t uri) {
 
 }  // namespace
 
-XmlStream::XmlStream() : prefixCounter(0), firstElement(true) {}
+// Out of memory, an insertion throws instead of cutting the document short.
+XmlStream::XmlStream() : prefixCounter(0), firstElement(true) {
+    exceptions(std::ios_base::badbit);
+}
 
 XmlStream::~XmlStream() = default;
 

@@ -50,7 +50,7 @@ namespace Util {
 // with ordinary <<.
 //
 // Lifetime: one stream, one document. Threads: one at a time.
-// THROWS: nothing of its own.
+// THROWS: std::bad_alloc, also from insertions; nothing of its own.
 class OVMEM_EXPORT XmlStream : public std::basic_stringstream<char> {
 public:
     // An empty document, no namespaces.

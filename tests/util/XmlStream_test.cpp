@@ -17,6 +17,13 @@ static_assert(std::has_virtual_destructor_v<XmlStream>);
 static_assert(!std::is_copy_constructible_v<XmlStream>);
 static_assert(!std::is_copy_assignable_v<XmlStream>);
 
+TEST(XmlStream, AnInsertionThatBreaksOffThrows) {
+    XmlStream stream;
+    EXPECT_EQ(stream.exceptions(), std::ios_base::badbit);
+    EXPECT_THROW(stream << static_cast<std::streambuf*>(nullptr),
+                 std::ios_base::failure);
+}
+
 TEST(XmlStream, BeginsEmptyBeforeItsFirstElement) {
     const XmlStream xml;
     EXPECT_EQ(xml.str(), "");
