@@ -4,10 +4,13 @@
 
 #include <OvMemCppBinding/client/Exceptions.h>
 #include <OvMemCppBinding/client/OvMEMConnection.h>
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
 using namespace Orvane::Net::OvModelEventManager::Client;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 int main() {
+    const XmlPlatformGuard guard;
     OvMEMConnection connection;
     try {
         if (connection.getStatus() != 0) {

@@ -1,4 +1,5 @@
-// Every class of exception, in the order in which to catch them.
+// Every class of exception, in the order in which to catch them; a program that
+// only wants to tell its user has enough with the last handler.
 
 #include <clocale>
 #include <iostream>
@@ -6,12 +7,15 @@
 #include <string>
 #include <vector>
 
+#include <OvMemCppBinding/client/CurrentException.h>
 #include <OvMemCppBinding/client/Exceptions.h>
 #include <OvMemCppBinding/client/OvMEMConnection.h>
 #include <OvMemCppBinding/util/DomException.h>
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
 using namespace Orvane::Net::OvModelEventManager::Client;
 using Orvane::Net::OvModelEventManager::Util::DomException;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
@@ -42,6 +46,9 @@ void attempt(const char* name, Operation operation) {
         tell("not unregistered", e);
     } catch (DomException& e) {
         std::cout << "not the expected XML: " << e.getMessage() << "\n";
+    } catch (...) {
+        // Whatever else there is, in words; it knows the classes above too.
+        std::cout << describeCurrentException() << "\n";
     }
 }
 
@@ -49,6 +56,7 @@ void attempt(const char* name, Operation operation) {
 
 int main() {
     std::setlocale(LC_ALL, "");
+    const XmlPlatformGuard guard;
     OvMEMConnection connection;
     std::string events = "event", correlation = "errors";
     std::vector<std::string> others;

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
-#include <OvMemCppBinding/client/Exceptions.h>
+#include <OvMemCppBinding/client/CurrentException.h>
 #include <OvMemCppBinding/client/OvMEMConnection.h>
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
 using namespace Orvane::Net::OvModelEventManager::Client;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
@@ -29,6 +31,7 @@ void put(OvMEMConnection& connection, std::string events) {
 
 int main() {
     std::setlocale(LC_ALL, "");
+    const XmlPlatformGuard guard;
     OvMEMConnection pump, valve;
     try {
         join(pump, "pump");
@@ -46,8 +49,8 @@ int main() {
             std::cout << correlation << (events.empty() ? ": nothing\n" : ":\n")
                       << events;
         }
-    } catch (const Exception& failure) {
-        std::cerr << failure.getMessage() << "\n";
+    } catch (...) {
+        std::cerr << describeCurrentException() << "\n";
         return 1;
     }
 }

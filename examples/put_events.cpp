@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
-#include <OvMemCppBinding/client/Exceptions.h>
+#include <OvMemCppBinding/client/CurrentException.h>
 #include <OvMemCppBinding/client/OvMEMConnection.h>
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
 using namespace Orvane::Net::OvModelEventManager::Client;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
@@ -29,6 +31,7 @@ void show(OvMEMConnection& connection, const std::string& client) {
 
 int main() {
     std::setlocale(LC_ALL, "");
+    const XmlPlatformGuard guard;
     OvMEMConnection pump, valve, boiler;
     try {
         join(pump, "pump");
@@ -46,8 +49,8 @@ int main() {
         show(valve, "valve");
         show(boiler, "boiler");
         show(pump, "pump");
-    } catch (const Exception& failure) {
-        std::cerr << failure.getMessage() << "\n";
+    } catch (...) {
+        std::cerr << describeCurrentException() << "\n";
         return 1;
     }
 }

@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
-#include <OvMemCppBinding/client/Exceptions.h>
+#include <OvMemCppBinding/client/CurrentException.h>
 #include <OvMemCppBinding/client/OvMEMConnection.h>
+#include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
 using namespace Orvane::Net::OvModelEventManager::Client;
+using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
@@ -33,6 +35,7 @@ void join(OvMEMConnection& connection, std::string client) {
 
 int main() {
     std::setlocale(LC_ALL, "");  // identifiers pass through its code page
+    const XmlPlatformGuard guard;
     OvMEMConnection pump, valve, boiler;
     try {
         join(pump, "pump");
@@ -46,8 +49,8 @@ int main() {
         others.clear();
         valve.unregisterClient(others);
         print("valve leaves", others);
-    } catch (const Exception& failure) {
-        std::cerr << failure.getMessage() << "\n";
+    } catch (...) {
+        std::cerr << describeCurrentException() << "\n";
         return 1;
     }
 }
