@@ -94,6 +94,9 @@ def main():
     rows = list(figures.rows(measured["subjects"]))
     if not options.smoke:
         results.save(options.json, measured)
+    missing = {name for row in rows for name in row.names} - set(measured["benchmarks"])
+    if missing and not options.smoke:
+        raise SystemExit(f"bench: figures of what was not measured: {sorted(missing)}")
     wrong = list(results.wrong_checksums(results.runs_of(measured), rows))
     for text in wrong:
         print(f"bench: not the same work: {text}", file=sys.stderr)

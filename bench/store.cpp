@@ -132,7 +132,12 @@ BENCHMARK(put)
     ->UseRealTime();
 BENCHMARK(putRaw)->Name("store/put_raw")->Arg(full)->Arg(normal)->UseRealTime();
 BENCHMARK(putWaiting)->Name("store/put_waiting")->Arg(400000)->UseRealTime();
-BENCHMARK(get)->Name("store/get")->Arg(normal)->Iterations(1)->UseRealTime();
+BENCHMARK(get)
+    ->Name("store/get")
+    ->Arg(full)
+    ->Arg(normal)
+    ->Iterations(1)
+    ->UseRealTime();
 BENCHMARK(getRaw)->Name("store/get_raw")->Iterations(1)->UseRealTime();
 
 }  // namespace
