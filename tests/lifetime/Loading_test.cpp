@@ -1,0 +1,43 @@
+#include <cstdlib>
+#include <string>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Loads the plug-in, and with it the library, uses both and lets them go.
+std::string shareAnEvent(bool guarded) {
+    void* const plugin = ::dlopen(OVMEM_PLUGIN, RTLD_NOW | RTLD_LOCAL);
+    if (plugin == nullptr) {
+        return ::dlerror();
+    }
+    using Function = const char* (*)(bool);
+    const auto function =
+        reinterpret_cast<Function>(::dlsym(plugin, "shareAnEvent"));
+    const std::string result =
+        function == nullptr ? ::dlerror() : function(guarded);
+    ::dlclose(plugin);
+    return result;
+}
+
+bool isLoaded(const char* library) {
+    void* const loaded = ::dlopen(library, RTLD_NOW | RTLD_NOLOAD);
+    if (loaded != nullptr) {
+        ::dlclose(loaded);
+    }
+    return loaded != nullptr;
+}
+
+}  // namespace
+
+TEST(Loading, TheLibraryMayBeLoadedAndUnloadedAgainAndAgain) {
+    ::setenv("OVMEM_STORE", "memory:", 1);
+    for (int time = 0; time < 50; ++time) {
+        for (const bool guarded : {false, true}) {
+            EXPECT_EQ(shareAnEvent(guarded), "valve sees pump, pump got open");
+            EXPECT_FALSE(isLoaded(OVMEM_PLUGIN));
+            ASSERT_FALSE(isLoaded("libOvMemCppBinding.so.0")) << time;
+        }
+    }
+}
