@@ -47,6 +47,7 @@ start none scripts/test --all --no-bootstrap
 expect_text "--all: steps" "lint
 $(suite clang '-LE long')
 $(suite asan '-LE long')
+$(suite tsan '-LE long')
 $(suite release '-LE long')
 $(suite dev)" "$said"
 expect_text "--all: status" 0 "$status"
