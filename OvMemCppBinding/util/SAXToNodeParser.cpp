@@ -21,13 +21,13 @@ namespace {
 
 constexpr char substituteCharacter = 0x1A;
 
-// A piece of text takes more time than memory: character references come one
-// by one.
-constexpr std::size_t pieceSize = 64;
-
-// An attribute without its texts; its place in the map is an estimate.
-constexpr std::size_t attributeSize =
-    sizeof(std::pair<std::string, std::string>) + 4 * sizeof(void*);
+// What the parts of a tree cost of its budget, without their texts. More than
+// their memory, for some take time: the XML library looks for every prefix
+// among all that are declared, and references come one by one.
+constexpr std::size_t elementPrice = 256;
+constexpr std::size_t attributePrice = 512;
+constexpr std::size_t textPrice = 64;
+static_assert(elementPrice >= sizeof(XMLNode));
 
 // Deliberate: one plain flag for the process.
 // See docs/irregularities.md#substitute-flag.
@@ -113,7 +113,7 @@ void SAXToNodeParser::prepareReader() {
 void SAXToNodeParser::appendText(const XMLCh* chars) {
     const std::string text = transcodeToString(chars, replaceSubCharacters);
     if (currentNode != nullptr) {
-        budget.spend(pieceSize + text.size());
+        budget.spend(textPrice + text.size());
         currentNode->text += text;
     }
 }
@@ -171,14 +171,13 @@ void SAXToNodeParser::startElement(const XMLCh* uri, const XMLCh* localname,
     auto node = std::make_unique<XMLNode>();
     node->name = transcodeToString(localname, false);
     node->namespaceURI = transcodeToString(uri, false);
-    budget.spend(sizeof(XMLNode) + node->name.size() +
-                 node->namespaceURI.size());
+    budget.spend(elementPrice + node->name.size() + node->namespaceURI.size());
     for (XMLSize_t i = 0; i < attrs.getLength(); ++i) {
         const std::string value =
             transcodeToString(attrs.getValue(i), replaceSubCharacters);
         const std::string name =
             transcodeToString(attrs.getLocalName(i), false);
-        budget.spend(attributeSize + name.size() + value.size());
+        budget.spend(attributePrice + name.size() + value.size());
         node->setAttribute(name, value);
     }
 

@@ -155,13 +155,15 @@ int play(const HostileReply& reply, bool guarded) {
     for (const std::string& shared : registration.shared) {
         accepted += static_cast<long long>(shared.size());
     }
-    std::cout << static_cast<double>(end - start) / CLOCKS_PER_SEC << " "
-              << peakMebibytes() -
-                     static_cast<double>(before.resident * pageSize >> 20)
-              << " " << watch.files() << " " << watch.sockets() << " "
-              << static_cast<long long>(LimitedMemory::instance().held() - held)
-              << " " << accepted << " " << thrown.type << "\n"
-              << thrown.message << std::flush;
+    std::ostringstream result;
+    result << static_cast<double>(end - start) / CLOCKS_PER_SEC << " "
+           << peakMebibytes() -
+                  static_cast<double>(before.resident * pageSize >> 20)
+           << " " << watch.files() << " " << watch.sockets() << " "
+           << static_cast<long long>(LimitedMemory::instance().held() - held)
+           << " " << accepted << " " << thrown.type << "\n"
+           << thrown.message;
+    std::cout << result.str() << std::flush;
     std::_Exit(0);
 }
 
