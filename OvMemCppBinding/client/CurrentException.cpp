@@ -41,6 +41,7 @@ constexpr struct {
     {"XmlPlatformGuard: the XML parser platform runs already",
      "construct the one XmlPlatformGuard of the process before its first "
      "connection."},
+    {"XmlPlatformGuard: the XML parser platform failed to start", moreMemory},
     {"XmlPlatformGuard: the XML library may hold", beyondLimit},
     {"XmlPlatformGuard: the tree of a document", beyondLimit},
     {"XmlPlatformGuard: the XML library cannot go on",

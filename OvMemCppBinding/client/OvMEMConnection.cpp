@@ -13,6 +13,7 @@
 #include "OvMemCppBinding/platform/LogCorrelation.h"
 #include "OvMemCppBinding/platform/OvMemBinding.h"
 #include "OvMemCppBinding/schemas/SharedClientIDs.h"
+#include "OvMemCppBinding/util/PlatformStart.h"
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 
 namespace Orvane::Net::OvModelEventManager::Client {
@@ -51,8 +52,7 @@ OvMEMProtocolException notRegistered() {
 
 OvMEMConnection::OvMEMConnection() : reserved(false), ovMemStarted(false) {
     if (!xmlPlatformReady) {
-        xercesc::XMLPlatformUtils::Initialize(
-            xercesc::XMLUni::fgXercescDefaultLocale);
+        Util::startPlatform();
         xmlPlatformReady = true;
     }
 }

@@ -12,6 +12,7 @@
 
 #include "OvMemCppBinding/util/DomException.h"
 #include "OvMemCppBinding/util/LimitedMemory.h"
+#include "OvMemCppBinding/util/PlatformStart.h"
 #include "OvMemCppBinding/util/RestrictedFiles.h"
 #include "OvMemCppBinding/util/TreeBudget.h"
 
@@ -80,9 +81,12 @@ public:
         // The platform may outlive the guard, and needs the handler as long.
         static ThrowingPanicHandler panicHandler;
         LimitedMemory::instance().liftLimit();
-        XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale,
-                                     nullptr, &panicHandler,
-                                     &LimitedMemory::instance());
+        startPlatform(&panicHandler, &LimitedMemory::instance());
+        if (XMLPlatformUtils::fgMemoryManager == nullptr) {
+            throw DomException(
+                "XmlPlatformGuard: the XML parser platform failed to start "
+                "earlier");
+        }
     }
     ~PlatformHold() { XMLPlatformUtils::Terminate(); }
     PlatformHold(const PlatformHold&) = delete;
