@@ -80,6 +80,7 @@ void OvMEMRequest::clearHeaders() {
 
 std::string OvMEMRequest::buildHeaderBlock() const {
     std::string block;
+    block.reserve(WireFormat::usualHeaderBlockSize);
     for (const auto& [name, value] : headers) {
         block += name;
         block += '=';
@@ -89,7 +90,8 @@ std::string OvMEMRequest::buildHeaderBlock() const {
             block += value;
         block += WireFormat::lineEnd;
     }
-    return block + WireFormat::lineEnd;
+    block += WireFormat::lineEnd;
+    return block;
 }
 
 std::string OvMEMRequest::sendAndReceive() try {

@@ -11,6 +11,7 @@ namespace Orvane::Net::OvModelEventManager::Client::WireFormat {
 // Sizes in bytes.
 inline constexpr std::size_t receiveBufferSize = 16384;
 inline constexpr std::size_t bodyChunkSize = 4098;
+inline constexpr std::size_t usualHeaderBlockSize = 512;  // room, not a limit
 
 // What OvMem_Receive answers during the handshake and after it.
 inline constexpr int statusSendBody = 19;

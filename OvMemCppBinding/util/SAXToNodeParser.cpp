@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax2/Attributes.hpp>
@@ -111,11 +112,14 @@ void SAXToNodeParser::prepareReader() {
 }
 
 void SAXToNodeParser::appendText(const XMLCh* chars) {
-    const std::string text = transcodeToString(chars, replaceSubCharacters);
-    if (currentNode != nullptr) {
-        budget.spend(textPrice + text.size());
+    std::string text = transcodeToString(chars, replaceSubCharacters);
+    if (currentNode == nullptr)
+        return;
+    budget.spend(textPrice + text.size());
+    if (currentNode->text.empty())
+        currentNode->text = std::move(text);
+    else
         currentNode->text += text;
-    }
 }
 
 // A half that nothing followed; no well-formed document has one.

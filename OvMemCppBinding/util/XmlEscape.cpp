@@ -31,17 +31,17 @@ struct Escaped {
     char text[8];
 };
 
+constexpr std::size_t pieceSize = 4096;
+
 constexpr std::size_t index(char byte) {
     return static_cast<unsigned char>(byte);
 }
 
 constexpr auto lengths = [] {
-    std::array<unsigned char, 256> table{};
+    std::array<std::size_t, 256> table{};
     table.fill(1);
-    for (const Entity& entity : entities) {
-        table[index(entity.character)] =
-            static_cast<unsigned char>(1 + entity.name.size());
-    }
+    for (const Entity& entity : entities)
+        table[index(entity.character)] = 1 + entity.name.size();
     return table;
 }();
 
@@ -67,13 +67,21 @@ std::string escape(const std::string& text) {
     if (length == text.size())
         return text;
 
-    std::string escaped(length + sizeof(Escaped), '\0');
-    char* target = escaped.data();
+    // Piece by piece: a string of the whole length would be filled with zeros
+    // before.
+    std::string escaped;
+    escaped.reserve(length);
+    char piece[pieceSize];
+    char* target = piece;
     for (char byte : text) {
         std::memcpy(target, texts[index(byte)].text, sizeof(Escaped));
         target += lengths[index(byte)];
+        if (target > piece + pieceSize - sizeof(Escaped)) {
+            escaped.append(piece, target);
+            target = piece;
+        }
     }
-    escaped.resize(length);
+    escaped.append(piece, target);
     return escaped;
 }
 

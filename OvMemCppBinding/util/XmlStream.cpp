@@ -131,7 +131,7 @@ std::string XmlStream::getRootNamespace(const std::string& document) {
     const std::size_t colon = tag.find(':');
     std::string sought(xmlns);
     if (colon != std::string::npos)
-        sought += ":" + tag.substr(0, colon);
+        sought.append(":").append(tag, 0, colon);
     sought += valueBegin;
 
     const std::size_t attribute = document.find(sought, name);
