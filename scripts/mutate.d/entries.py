@@ -1,0 +1,53 @@
+"""The entries of CTest that are to notice a change, in the order of their chances."""
+
+import json
+import os
+import subprocess
+from collections import namedtuple
+
+# `target` is the file to build, below the build folder.
+Entry = namedtuple("Entry", "name target command")
+
+# After all of the label unit. These look at the same from farther away.
+LAST = ["ovmem.faults.EndlessHandshake", "ovmem.faults.PlatformStart",
+        "ovmem.faults.FaultMatrix", "ovmem.lifetime.Orders"]
+# Of the label unit, but about what the tests themselves are made of.
+OTHERS = ("ovmem.support.", "ovmem.wire.WirePlayer")
+
+
+def entries(build):
+    listed = subprocess.run(["ctest", "--show-only=json-v1"], cwd=build, check=True,
+                            stdout=subprocess.PIPE)
+    found = []
+    for test in json.loads(listed.stdout)["tests"]:
+        name, command = test["name"], list(test.get("command", []))
+        if not command or not (name in LAST or "unit" in _labels(test)) or \
+                name.startswith(OTHERS):
+            continue
+        if any(a.startswith("--gtest_filter") for a in command):
+            command += ["--gtest_fail_fast", "--gtest_brief=1"]
+        found.append(Entry(name, os.path.relpath(command[0], build), command))
+    return found
+
+
+def ordered(entries_, path):
+    """Those of the class first, then those of its folder."""
+    _, folder, name = path.split("/")
+    stem = name.rsplit(".", 1)[0]
+
+    def chance(entry):
+        if entry.name in LAST:
+            return 5 + LAST.index(entry.name)
+        if entry.name.startswith("ovmem.wire."):
+            return 4
+        if entry.name.endswith("." + stem):
+            return 0
+        if stem in entry.name:
+            return 1
+        return 2 if entry.name.startswith(f"ovmem.{folder}.") else 3
+
+    return sorted(entries_, key=chance)
+
+
+def _labels(test):
+    return next((p["value"] for p in test["properties"] if p["name"] == "LABELS"), [])

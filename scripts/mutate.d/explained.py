@@ -1,0 +1,27 @@
+"""Changes of which it is known that nobody can observe them."""
+
+import os
+
+FILE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "explained.txt")
+
+
+def load(file=FILE):
+    """{(path, source line, old, new): reason}"""
+    with open(file, encoding="utf-8") as opened:
+        lines = [l.rstrip() for l in opened if not l.startswith("#")]
+    reasons = {}
+    for block in "\n".join(lines).strip().split("\n\n"):
+        if block.strip():
+            head, source, change, *reason = block.strip().split("\n")
+            old, new = change.strip().split(" -> ")
+            reasons[head.strip(), source.strip(), old, new] = \
+                " ".join(r.strip() for r in reason)
+    return reasons
+
+
+def key(change):
+    return change.path, change.source, f"'{change.old}'", f"'{change.new}'"
+
+
+def stale(reasons, all_changes):
+    return sorted(set(reasons) - {key(c) for c in all_changes})
