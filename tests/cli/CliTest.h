@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/cli/Program.h"
-#include "tests/cli/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace OvMemTest {
 

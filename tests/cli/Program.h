@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/cli/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace OvMemTest {
 

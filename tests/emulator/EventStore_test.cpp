@@ -9,7 +9,7 @@
 
 #include "emulator/store/MemoryStore.h"
 #include "emulator/store/SqliteStore.h"
-#include "tests/emulator/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using testing::ElementsAre;

@@ -14,9 +14,9 @@
 #include "OvMemCppBinding/platform/OvMemBinding.h"
 #include "tests/emulator/CountedHeap.h"
 #include "tests/emulator/Environment.h"
-#include "tests/emulator/TemporaryFolder.h"
 #include "tests/emulator/Wire.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace OvMemTest;
 using namespace std::chrono_literals;

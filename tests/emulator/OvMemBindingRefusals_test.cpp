@@ -6,8 +6,8 @@
 
 #include "OvMemCppBinding/platform/OvMemBinding.h"
 #include "tests/emulator/StartedTransport.h"
-#include "tests/emulator/TemporaryFolder.h"
 #include "tests/emulator/Wire.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace OvMemTest;
 

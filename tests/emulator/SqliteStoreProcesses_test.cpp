@@ -15,8 +15,8 @@
 
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/SqliteStore.h"
-#include "tests/emulator/TemporaryFolder.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;

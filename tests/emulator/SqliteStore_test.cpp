@@ -14,7 +14,7 @@
 #include "emulator/store/SqliteFile.h"
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
-#include "tests/emulator/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using testing::ElementsAre;

@@ -11,7 +11,7 @@
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
 #include "tests/emulator/Environment.h"
-#include "tests/emulator/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "tests/emulator/TemporaryFolder.h"
 #include "tests/hostile/HostileReply.h"
 #include "tests/hostile/HostileRun.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace OvMemTest {
 

@@ -11,7 +11,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
-#include "tests/emulator/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/util/XmlPlatform.h"
 
 namespace {
@@ -92,6 +92,12 @@ TEST_F(RestrictedFilesTest, FilesElsewhereAreNot) {
     EXPECT_FALSE(opens(*files, path("open/../closed/d.xml")));
     EXPECT_FALSE(opens(*files, path("open.too/c.xml")));
     EXPECT_FALSE(opens(*files, "/etc/passwd"));
+}
+
+TEST_F(RestrictedFilesTest, ANameIsTakenByteForByte) {
+    std::ofstream(path("open/\x1A.xml")) << content;
+    EXPECT_TRUE(opens(*files, path("open/\x1A.xml")));
+    EXPECT_FALSE(opens(*files, path("open/?.xml")));
 }
 
 TEST_F(RestrictedFilesTest, ALinkCountsForWhereItLeads) {

@@ -16,9 +16,9 @@
 #include "OvMemCppBinding/client/OvMEMConnection.h"
 #include "OvMemCppBinding/util/LimitedMemory.h"
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
-#include "tests/emulator/TemporaryFolder.h"
 #include "tests/support/RunInChild.h"
 #include "tests/support/SystemCheck.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"
 #include "tests/util/XmlPlatform.h"
 

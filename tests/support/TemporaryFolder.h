@@ -1,5 +1,5 @@
-#ifndef TESTS_CLI_TEMPORARYFOLDER_H
-#define TESTS_CLI_TEMPORARYFOLDER_H
+#ifndef TESTS_SUPPORT_TEMPORARYFOLDER_H
+#define TESTS_SUPPORT_TEMPORARYFOLDER_H
 
 #include <filesystem>
 #include <string>
@@ -15,8 +15,9 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    // The path of something in the folder.
+    // The path of something in the folder, which need not exist.
     std::filesystem::path operator/(const std::string& name) const;
+    std::string file(const std::string& name) const;
 
     // Writes a file there and returns its path.
     std::string write(const std::string& name, std::string_view bytes) const;

@@ -1,4 +1,4 @@
-#include "tests/cli/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -34,12 +34,16 @@ fs::path TemporaryFolder::operator/(const std::string& name) const {
     return path / name;
 }
 
+std::string TemporaryFolder::file(const std::string& name) const {
+    return (path / name).string();
+}
+
 std::string TemporaryFolder::write(const std::string& name,
                                    std::string_view bytes) const {
-    const fs::path file = path / name;
-    std::ofstream(file, std::ios::binary)
+    const std::string written = file(name);
+    std::ofstream(written, std::ios::binary)
         .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return file.string();
+    return written;
 }
 
 std::string readFile(const fs::path& path) {
