@@ -50,9 +50,8 @@ std::string convert(UnicodeConverter& work, UConverter* from, UConverter* to,
             char* pieceEnd = piece;
             // A surrogate pair may straddle two passes; only the last one may
             // take its first half for a broken one.
-            ucnv_fromUnicode(
-                to, &pieceEnd, piece + byteCapacity, &unit, unitsEnd, nullptr,
-                lastPass && unitsEnd - unit <= byteCapacity, &error2);
+            ucnv_fromUnicode(to, &pieceEnd, piece + byteCapacity, &unit,
+                             unitsEnd, nullptr, lastPass, &error2);
             *pieceEnd = '\0';
             // Deliberate: a NUL ends the piece.
             // See docs/irregularities.md#nul-ends-a-converted-piece.

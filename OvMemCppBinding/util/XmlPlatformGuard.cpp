@@ -111,8 +111,7 @@ void closeNetwork() {
 void restrictFiles(const std::string& folder) {
     std::unique_ptr<xercesc::XMLFileMgr> files(
         std::exchange(XMLPlatformUtils::fgFileMgr, nullptr));
-    XMLPlatformUtils::fgFileMgr = new (XMLPlatformUtils::fgMemoryManager)
-        RestrictedFiles(std::move(files), folder);
+    XMLPlatformUtils::fgFileMgr = new RestrictedFiles(std::move(files), folder);
 }
 
 }  // namespace

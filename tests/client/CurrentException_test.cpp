@@ -291,6 +291,22 @@ TEST(CurrentException, TheXmlLibrarysTextsCanBeReadAfterItsPlatform) {
     });
 }
 
+TEST(CurrentException, AnExceptionOfTheXmlLibraryMayHaveNoText) {
+    runInChild([] {
+        const OvMEMConnection platform;
+        const XMLCh* const noText = nullptr;
+        try {
+            throw xercesc::SAXException(noText);
+        } catch (...) {
+            EXPECT_EQ(describeCurrentException(),
+                      "xercesc::SAXException: \n" + lookAtPlatform);
+            const WithoutPlatform without;
+            EXPECT_EQ(describeCurrentException(),
+                      "xercesc::SAXException: \n" + lookAtPlatform);
+        }
+    });
+}
+
 TEST(CurrentException, TheStandardLibrarysOwnAreNamed) {
     EXPECT_EQ(describing(std::bad_alloc()),
               "std::bad_alloc: std::bad_alloc\n" + processMemory);

@@ -111,6 +111,18 @@ TEST(XMLNodePrint, IndentsAChildByTwoBlanks) {
 )");
 }
 
+TEST(XMLNodePrint, LeavesOutAChildThatIsNull) {
+    XMLNode outer;
+    outer.name = "outer";
+    outer.children.push_back(nullptr);
+    addChild(outer, "inner");
+    EXPECT_EQ(printed(outer, ""), R"(<outer>
+  <inner>
+  </inner>
+</outer>
+)");
+}
+
 TEST(XMLNodePrint, WritesAWholeTreeInDocumentOrder) {
     XMLNode root;
     root.name = "r";
