@@ -54,6 +54,12 @@ expect_text "what only the benches need: said" "scripts/bootstrap: installing \
 libbenchmark-dev libxml2-dev libpugixml-dev libexpat1-dev" "$said"
 expect_text "what only the benches need: status" "0" "$status"
 
+machine 0 "nothing" 0
+start coverage fuzz
+expect_text "what only two scripts need: said" "scripts/bootstrap: installing \
+gcovr libclang-rt-14-dev" "$said"
+expect_text "what only two scripts need: status" "0" "$status"
+
 machine 1000 "cmake" 0
 program sudo "echo sudo >>'$calls'; exec \"\$@\""
 start
