@@ -277,6 +277,14 @@ TEST(CurrentException, TheXmlLibrarysOwnAreNamed) {
     });
 }
 
+TEST(CurrentException, WhatTheCodePageLacksIsAQuestionMark) {
+    runInChild([] {
+        const OvMEMConnection platform;
+        EXPECT_EQ(describing(xercesc::SAXException(u"a\x1A.")),
+                  "xercesc::SAXException: a?.\n" + lookAtPlatform);
+    });
+}
+
 TEST(CurrentException, TheXmlLibrarysTextsCanBeReadAfterItsPlatform) {
     runInChild([] {
         const OvMEMConnection platform;

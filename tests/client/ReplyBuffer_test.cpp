@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/PrivateAccess.h"
+#include "tests/support/Thrown.h"
 
 namespace Orvane::Net::OvModelEventManager::Client {
 
 using OvMemTest::capacityOf;
+using OvMemTest::Thrown;
+using OvMemTest::thrownBy;
 
 namespace {
 
@@ -90,6 +93,18 @@ TEST(ReplyBuffer, APieceMayNeedSeveralDoublings) {
     buffer.append(bytes.data(), bytes.size());
     EXPECT_EQ(buffer.text(), bytes);
 }
+
+// A sanitizer ends the process rather than refuse.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(ReplyBuffer, WithoutMemoryItThrowsAndKeepsWhatItHolds) {
+    ReplyBuffer buffer;
+    buffer.append("first", 5);
+    const std::size_t tooMuch = std::size_t{1} << 62;
+    EXPECT_EQ(thrownBy([&] { buffer.append(nullptr, tooMuch); }),
+              (Thrown{"bad_alloc", 0, "std::bad_alloc"}));
+    EXPECT_EQ(buffer.text(), "first");
+}
+#endif
 
 TEST(ReplyBuffer, ItsTextStaysWhenMoreIsAppended) {
     ReplyBuffer buffer;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "tests/support/Thrown.h"
 
@@ -21,6 +22,11 @@ Thrown beyond(const std::string& bytes) {
     return {"DomException", 0,
             "XmlPlatformGuard: the XML library may hold no more than " + bytes +
                 " bytes"};
+}
+
+std::size_t bytesInUse() {
+    const auto heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
 }
 
 // What is held at the start of each test is held at its end.
@@ -43,6 +49,10 @@ TEST_F(LimitedMemoryTest, ThereIsOneForTheProcess) {
     EXPECT_EQ(memory.getExceptionMemoryManager(), &memory);
 }
 
+TEST_F(LimitedMemoryTest, HoldsNothingAtFirst) {
+    EXPECT_EQ(before, 0U);
+}
+
 TEST_F(LimitedMemoryTest, HoldsTheBytesThatWereAskedFor) {
     void* const first = memory.allocate(100);
     void* const second = memory.allocate(23);
@@ -51,6 +61,12 @@ TEST_F(LimitedMemoryTest, HoldsTheBytesThatWereAskedFor) {
     EXPECT_EQ(memory.held(), before + 23);
     memory.deallocate(second);
     memory.deallocate(nullptr);
+}
+
+TEST_F(LimitedMemoryTest, GivesBackWhatIsDeallocated) {
+    const std::size_t inUse = bytesInUse();
+    memory.deallocate(memory.allocate(100000));
+    EXPECT_EQ(bytesInUse(), inUse);
 }
 
 TEST_F(LimitedMemoryTest, BlocksAreAlignedForAnything) {

@@ -84,6 +84,17 @@ TEST_F(SAXToNodeParserCallbacks, AHalfThatNothingFollowsIsReplaced) {
     EXPECT_EQ(root().children.at(0)->text, "a\xEF\xBF\xBD");
 }
 
+TEST_F(SAXToNodeParserCallbacks, AParseBeginsWithoutTheHalfLeftBefore) {
+    const XMLCh high[] = {u'a', 0xD83D, 0};
+    start(u"r");
+    text(high, 2);
+    TreeBudget::setLimits(TreeBudget::unlimited, 256 + 1);
+    EXPECT_EQ(thrownBy([&] { parser.parseString("<b/>"); }), nothingThrown);
+    TreeBudget::liftLimits();
+    EXPECT_EQ(root().name, "b");
+    EXPECT_EQ(root().text, "");
+}
+
 TEST_F(SAXToNodeParserCallbacks, GrowATree) {
     parser.startDocument();
     start(u"r");
@@ -201,6 +212,16 @@ TEST_F(SAXToNodeParserCallbacks, AWarningIsDropped) {
     const SAXParseException exception(u"msg", u"public", u"sys", 3, 7);
     EXPECT_EQ(thrownBy([&] { parser.warning(exception); }), nothingThrown);
     EXPECT_EQ(errors.text(), "");
+}
+
+// So long a text that its pages are gone once it is freed.
+TEST_F(SAXToNodeParserCallbacks, AWarningAfterTheParseReadsNoTextThatIsGone) {
+    std::string text(std::size_t{64} << 20, '\0');
+    text.replace(0, 4, "<r/>");
+    EXPECT_EQ(parser.parseString(text)->name, "r");
+    std::string().swap(text);
+    const SAXParseException exception(u"msg", u"public", u"sys", 3, 7);
+    EXPECT_EQ(thrownBy([&] { parser.warning(exception); }), nothingThrown);
 }
 
 TEST_F(SAXToNodeParserCallbacks, AWarningInADocumentDoesNotEndTheParse) {

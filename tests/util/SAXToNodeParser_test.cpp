@@ -194,6 +194,11 @@ TEST_F(SAXToNodeParserTree, TextBehindANulIsNotSeen) {
     EXPECT_EQ(parser.getRootNode()->name, "r");
 }
 
+// Where nothing has asked to replace them.
+TEST_F(SAXToNodeParserTree, SubstituteCharactersAreKeptAtFirst) {
+    EXPECT_EQ(parse(R"(<?xml version="1.1"?><r>t&#26;</r>)").text, "t\x1A");
+}
+
 TEST_F(SAXToNodeParserTree, TheRootBelongsToTheParser) {
     const XMLNode* root = parser.parseString("<r/>");
     EXPECT_EQ(parser.getRootNode(), root);

@@ -40,6 +40,13 @@ protected:
     static Thrown parsing(const std::string& xml) {
         return thrownBy([&xml] { SAXToNodeParser().parseString(xml); });
     }
+
+    static void expectPrice(std::size_t bytes, const std::string& xml) {
+        TreeBudget::setLimits(TreeBudget::unlimited, bytes);
+        EXPECT_EQ(parsing(xml), nothingThrown) << xml;
+        TreeBudget::setLimits(TreeBudget::unlimited, bytes - 1);
+        EXPECT_EQ(parsing(xml), larger(std::to_string(bytes - 1))) << xml;
+    }
 };
 
 }  // namespace
@@ -121,4 +128,13 @@ TEST_F(TreeBudgetOfAParser, EveryPieceOfTextHasItsPrice) {
     }
     EXPECT_EQ(parsing("<a>" + references + "</a>"), larger("1000"));
     EXPECT_EQ(parsing("<a>AAAAAAAAAAAAAAAAAAAA</a>"), nothingThrown);
+}
+
+TEST_F(TreeBudgetOfAParser, APartCostsItsPriceAndItsTexts) {
+    expectPrice(256 + 1, "<a/>");
+    expectPrice(256 + 1 + 5, "<a xmlns='urn:u'/>");
+    expectPrice(256 + 1 + 5, "<p:a xmlns:p='urn:u'/>");
+    expectPrice(256 + 1 + 512 + 2 + 3, "<a bc='def'/>");
+    expectPrice(256 + 1 + 64 + 3, "<a>xyz</a>");
+    expectPrice(2 * (256 + 1) + 2 * (64 + 1), "<a>x<b/>y</a>");
 }
