@@ -19,9 +19,15 @@ def load(file=FILE):
     return reasons
 
 
-def key(change):
-    return change.path, change.source, f"'{change.old}'", f"'{change.new}'"
+def reason(reasons, change):
+    """Why nobody can observe the change; None if that is not known."""
+    return next((reasons[k] for k in _keys(change) if k in reasons), None)
 
 
 def stale(reasons, all_changes):
-    return sorted(set(reasons) - {key(c) for c in all_changes})
+    return sorted(set(reasons) - {k for c in all_changes for k in _keys(c)})
+
+
+def _keys(change):
+    place = change.path, change.source, f"'{change.old}'"
+    return place + (f"'{change.new}'",), place + ("anything",)

@@ -39,7 +39,7 @@ def report(session, seconds):
                                     key=lambda r: (r[0].path, r[0].line)):
         if result == "survived":
             print(f"  {described(change)}\n    {change.source}")
-            reason = session.reasons.get(explained.key(change))
+            reason = explained.reason(session.reasons, change)
             print(f"    explained: {reason}" if reason else "    not explained")
     percent = 100 * killed / tried if tried else 0
     print(f"\n{tried} changes in {seconds / 60:.0f} minutes: {killed} killed "

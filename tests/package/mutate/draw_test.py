@@ -42,7 +42,14 @@ class ExplainedTest(unittest.TestCase):
                             "    Nobody knows\n    of it.\n\nb.h\nauto c = 7;\n"
                             "'7' -> '8'\nNor of this.\n")
         change, = [c for c in all_of(1) if c.mutator == "statement"]
-        self.assertEqual("Nobody knows of it.", reasons[explained.key(change)])
+        self.assertEqual("Nobody knows of it.", explained.reason(reasons, change))
+        self.assertEqual([], explained.stale(reasons, draw.all_changes(SOURCES)))
+
+    def test_an_entry_may_be_about_whatever_takes_the_place(self):
+        reasons = self.load("b.h\nauto c = 7;\n'7' -> anything\nNobody looks.\n")
+        found = [c.path for c in draw.all_changes(SOURCES)
+                 if explained.reason(reasons, c) == "Nobody looks."]
+        self.assertEqual(["b.h"] * 3, found)
         self.assertEqual([], explained.stale(reasons, draw.all_changes(SOURCES)))
 
     def test_an_entry_that_matches_no_place_is_stale(self):
