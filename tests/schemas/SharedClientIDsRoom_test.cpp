@@ -75,3 +75,13 @@ TEST(SharedClientIDsRoom, ParsingMakesItForTheNodeAndNotForTheSum) {
     // First for eleven, which are full with the eleventh; then for more.
     EXPECT_EQ(allocationsOfParsing(object, eleven), 2U);
 }
+
+TEST(SharedClientIDsRoom, AListThatGrowsOneByOneIsSeldomMoved) {
+    SharedClientIDs object;
+    const std::vector<std::string> one{"1"};
+    const std::size_t before = allocations;
+    for (int i = 0; i < 1000; ++i) {
+        object.setSharedClients(one);
+    }
+    EXPECT_LE(allocations - before, 12U);
+}

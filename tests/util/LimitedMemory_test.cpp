@@ -82,6 +82,7 @@ TEST_F(LimitedMemoryTest, BlocksAreAlignedForAnything) {
 
 TEST_F(LimitedMemoryTest, TheLimitItselfMayBeReached) {
     memory.limitGrowth(100);
+    memory.deallocate(memory.allocate(100));
     void* const first = memory.allocate(60);
     void* const second = memory.allocate(40);
     EXPECT_EQ(thrownBy([&] { memory.allocate(1); }), beyond("100"));

@@ -72,6 +72,27 @@ TEST_F(SAXToNodeParserCallbacks, TheHalvesOfACharacterAreJoined) {
               "b");
 }
 
+TEST_F(SAXToNodeParserCallbacks, TheFirstAndTheLastHalfAreHalvesToo) {
+    start(u"r");
+    for (const XMLCh half : std::initializer_list<XMLCh>{0xD800, 0xDBFF}) {
+        const XMLCh high[] = {half, 0};
+        const XMLCh low[] = {0xDC00, 0};
+        text(high, 1);
+        text(low, 1);
+    }
+    EXPECT_EQ(root().text, "\xF0\x90\x80\x80\xF4\x8F\xB0\x80");
+}
+
+TEST_F(SAXToNodeParserCallbacks, WhatIsNoFirstHalfIsNotHeldBack) {
+    const XMLCh before[] = {0xD7FF, 0};
+    const XMLCh behind[] = {0xDC00, 0};
+    start(u"r");
+    text(before, 1);
+    EXPECT_EQ(root().text, "\xED\x9F\xBF");
+    text(behind, 1);
+    EXPECT_EQ(root().text, "\xED\x9F\xBF\xEF\xBF\xBD");
+}
+
 TEST_F(SAXToNodeParserCallbacks, AHalfThatNothingFollowsIsReplaced) {
     const XMLCh high[] = {u'a', 0xD83D, 0};
     start(u"r");
