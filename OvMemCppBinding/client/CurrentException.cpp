@@ -7,13 +7,11 @@
 
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 
 #include "OvMemCppBinding/client/Exceptions.h"
 #include "OvMemCppBinding/client/WireFormat.h"
 #include "OvMemCppBinding/util/DomException.h"
-#include "OvMemCppBinding/util/SAXToNodeParser.h"
 
 namespace Orvane::Net::OvModelEventManager::Client {
 
@@ -37,7 +35,7 @@ constexpr struct {
 } domAdvice[] = {
     {"XML parser platform is not initialised",
      "hold an XmlPlatformGuard, or one connection, for the life of the "
-     "process."},
+     "process; if one is held, its start failed: begin a new process."},
     {"XmlPlatformGuard: the XML parser platform runs already",
      "construct the one XmlPlatformGuard of the process before its first "
      "connection."},
@@ -107,10 +105,8 @@ void*& thrownPointer() {
     return *object;
 }
 
-// The platform that would transcode may have ended.
-std::string ownText(const XMLCh* text) {
-    if (xercesc::XMLPlatformUtils::fgMemoryManager != nullptr)
-        return Util::transcodeToString(text, true);
+// Without the XML library: it may have no memory, or have ended.
+std::string narrowed(const XMLCh* text) {
     std::string narrow;
     for (; text != nullptr && *text != 0; ++text)
         narrow += *text < 0x80 ? static_cast<char>(*text) : '?';
@@ -129,8 +125,11 @@ std::string describeBeingHandled() {
     } catch (OvMEMProtocolException* exception) {
         const std::unique_ptr<OvMEMProtocolException> owner(exception);
         thrownPointer() = nullptr;
-        if (!owner)
-            return "OvMEMProtocolException*: described and deleted before.";
+        if (!owner) {
+            return describe("OvMEMProtocolException*",
+                            "described and deleted before",
+                            "look for the earlier description.");
+        }
         return describeProtocol("OvMEMProtocolException*", *owner);
     } catch (const OvMEMRuntimeException& exception) {
         return describeClient("OvMEMRuntimeException", exception,
@@ -152,10 +151,10 @@ std::string describeBeingHandled() {
                         "the XML library has no memory left", moreMemory);
     } catch (const xercesc::XMLException& exception) {
         return describe("xercesc::XMLException",
-                        ownText(exception.getMessage()), lookAtPlatform);
+                        narrowed(exception.getMessage()), lookAtPlatform);
     } catch (const xercesc::SAXException& exception) {
         return describe("xercesc::SAXException",
-                        ownText(exception.getMessage()), lookAtPlatform);
+                        narrowed(exception.getMessage()), lookAtPlatform);
     } catch (const std::bad_alloc& exception) {
         return describe("std::bad_alloc", exception.what(), moreMemory);
     } catch (const std::exception& exception) {

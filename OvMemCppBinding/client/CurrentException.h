@@ -22,12 +22,15 @@ namespace Client {
 //     OvMEMConnectionException (0): Connection refused
 //     What to do: check that the service can be reached, then try again.
 //
-// The text of the exception may have several lines; what to do is the last.
-// Outside a handler it answers "No exception is being handled.".
+// The text of the exception may have several lines; what to do is the last. In
+// texts of the XML library, '?' stands for what is not ASCII. Outside a handler
+// the answer is "No exception is being handled.".
 //
 // Ownership: deletes the exception that getSharedClients throws by pointer
-// (docs/irregularities.md#pointer-throw), and leaves a null pointer in its
-// place for whoever catches it after this call.
+// (docs/irregularities.md#pointer-throw), and any other OvMEMProtocolException
+// that was thrown so; it must come from new. A null pointer takes its place for
+// whoever catches it after this call. A handler that has taken the pointer
+// before the call must not delete it afterwards.
 //
 // THROWS: std::bad_alloc. Threads: any.
 OVMEM_EXPORT std::string describeCurrentException();

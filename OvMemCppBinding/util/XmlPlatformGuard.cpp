@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -58,7 +59,8 @@ public:
     DtdsOff() {
         if (const char* value = std::getenv(dtdSwitch))
             before = value;
-        setenv(dtdSwitch, "1", 1);
+        if (setenv(dtdSwitch, "1", 1) != 0)
+            throw std::bad_alloc();
     }
     ~DtdsOff() {
         if (before)

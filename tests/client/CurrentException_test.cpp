@@ -42,6 +42,9 @@ const std::string lookAtPlatform =
     "What to do: try again; if it persists, the platform needs attention.";
 const std::string lookAtProgram =
     "What to do: look at the program that threw it.";
+const std::string describedBefore =
+    "OvMEMProtocolException*: described and deleted before\n"
+    "What to do: look for the earlier description.";
 const std::string processMemory = "What to do: give the process more memory.";
 
 std::string descriptionOf(const std::function<void()>& code) {
@@ -135,13 +138,27 @@ TEST(CurrentException, APointerIsDeletedOnceAndNullAfterwards) {
             EXPECT_EQ(describeCurrentException(),
                       "OvMEMProtocolException* (-2): Not registered\n" +
                           registerFirst);
-            EXPECT_EQ(describeCurrentException(),
-                      "OvMEMProtocolException*: described and deleted before.");
+            EXPECT_EQ(describeCurrentException(), describedBefore);
             throw;
         }
     } catch (OvMEMProtocolException* pointer) {
         EXPECT_EQ(pointer, nullptr);
     }
+}
+
+TEST(CurrentException, APointerThatIsKeptIsDeletedOnceToo) {
+    std::exception_ptr kept;
+    try {
+        throw new OvMEMProtocolException("Not so");
+    } catch (...) {
+        kept = std::current_exception();
+    }
+    const auto rethrow = [&kept] { std::rethrow_exception(kept); };
+    EXPECT_EQ(descriptionOf(rethrow),
+              "OvMEMProtocolException* (0): Not so\n"
+              "What to do: mend what was asked for; the same request will "
+              "fail again.");
+    EXPECT_EQ(descriptionOf(rethrow), describedBefore);
 }
 
 TEST(CurrentException, APointerOfAnotherClassIsLeftAlone) {
@@ -208,7 +225,8 @@ TEST(CurrentException, AnEndedPlatformIsNotTheReplysFault) {
         EXPECT_EQ(parsing("<r/>"),
                   "DomException: XML parser platform is not initialised\n"
                   "What to do: hold an XmlPlatformGuard, or one connection, "
-                  "for the life of the process.");
+                  "for the life of the process; if one is held, its start "
+                  "failed: begin a new process.");
     });
 }
 
@@ -277,11 +295,11 @@ TEST(CurrentException, TheXmlLibrarysOwnAreNamed) {
     });
 }
 
-TEST(CurrentException, WhatTheCodePageLacksIsAQuestionMark) {
+TEST(CurrentException, WhatIsNotAsciiIsAQuestionMark) {
     runInChild([] {
         const OvMEMConnection platform;
-        EXPECT_EQ(describing(xercesc::SAXException(u"a\x1A.")),
-                  "xercesc::SAXException: a?.\n" + lookAtPlatform);
+        EXPECT_EQ(describing(xercesc::SAXException(u"caf\u00E9, 5 \u20AC")),
+                  "xercesc::SAXException: caf?, 5 ?\n" + lookAtPlatform);
     });
 }
 
