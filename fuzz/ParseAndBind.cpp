@@ -8,8 +8,7 @@
 #include "OvMemCppBinding/util/XmlPlatformGuard.h"
 #include "fuzz/Fuzz.h"
 
-// Any bytes as a reply that lists clients: parsed, bound, written, and read
-// again.
+// Any bytes as a reply that lists clients: parsed, and bound.
 
 namespace {
 

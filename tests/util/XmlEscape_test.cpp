@@ -172,6 +172,25 @@ TEST(XmlEscape, EqualsTheWalkInPlaceOnRandomBytes) {
 
 // In place, each of the first two would move some 10^12 bytes; looking for the
 // end of what is no entity, the third would read 10^11.
+// The text is put together in pieces of some thousand bytes.
+TEST(XmlEscape, CutsNothingWhereOnePieceEndsAndTheNextBegins) {
+    for (const auto& [character, entity] : entities()) {
+        for (std::size_t before = 4080; before <= 4104; ++before) {
+            const std::string text = std::string(before, 'a') +
+                                     std::string(3, character) +
+                                     std::string(5000, 'b');
+            EXPECT_EQ(escape(text), escapedInPlace(text))
+                << entity << " behind " << before;
+        }
+        for (std::size_t shift = 0; shift < 8; ++shift) {
+            const std::string text =
+                std::string(shift, 'a') + std::string(3000, character);
+            EXPECT_EQ(escape(text), escapedInPlace(text))
+                << entity << " behind " << shift << ", and on";
+        }
+    }
+}
+
 TEST(XmlEscape, CostsTimeLinearInTheLengthOfTheText) {
     const std::size_t length = std::size_t{2} << 20;
     std::string entityText;
