@@ -7,11 +7,8 @@ import references
 FORBIDDEN = [
     ("specificat" + "ion", "say what holds, not who asked for it"),
     ("Specificat" + "ions", "say what holds, not who asked for it"),
-    ("spec" + ".md", "not in the repository"),
-    ("design" + ".md", "not in the repository"),
     ("Part " + "1.3", "not in the repository"),
     ("issue " + "#7", "name the matter, not its number"),
-    ("../shared" + "/", "not in the repository"),
     ("/work" + "/m", "a folder of one machine"),
     ("/home" + "/m", "a folder of one machine"),
 ]
@@ -26,8 +23,7 @@ class References(unittest.TestCase):
 
     def test_what_only_resembles_a_forbidden_text_passes(self):
         for text in ["the XML specificat" + "ion", "a partial specialization",
-                     "Part of 1.3", "${HOME}/home/x", "build/work/x", "&#9;",
-                     "respec" + ".md"]:
+                     "Part of 1.3", "${HOME}/home/x", "build/work/x", "&#9;"]:
             with self.subTest(text=text):
                 self.assertEqual([], findings(references, {"a.md": text + "\n"}))
 
