@@ -48,10 +48,24 @@ void print(const std::string& name, const SweepResult& result) {
     std::cout << std::endl;
 }
 
+void add(SweepResult& total, const SweepResult& result) {
+    total.positions += result.positions;
+    total.lossyRuns += result.lossyRuns;
+    for (const auto& [type, count] : result.outcomes) {
+        total.outcomes[type] += count;
+    }
+    for (const auto& [loser, count] : result.lostBlocks) {
+        total.lostBlocks[loser] += count;
+    }
+}
+
 }  // namespace
 
 class AllocationSweep : public ::testing::TestWithParam<Sweep> {
 protected:
+    static void SetUpTestSuite() { total = {}; }
+    static void TearDownTestSuite() { print("all of these sweeps", total); }
+
     void sweepAll() {
         const auto& [operation, andAllAfter] = GetParam();
         const SweepResult result = sweepAllocations(operation, andAllAfter);
@@ -68,7 +82,11 @@ protected:
         EXPECT_EQ(runs, result.positions);
         RecordProperty("positions", std::to_string(result.positions));
         print(operation.name, result);
+        add(total, result);
     }
+
+private:
+    inline static SweepResult total;
 };
 
 TEST_P(AllocationSweep, NothingCrashesOrIsLostOrLies) {

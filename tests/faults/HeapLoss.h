@@ -10,9 +10,9 @@ namespace OvMemTest {
 // request for it: the function of the XML library that this program called, or
 // empty if it was this program itself.
 //
-// The XML library loses memory on purpose when there is too little of it
-// ("since executing the code can cause problems"), in two of its functions:
-// while it creates a reader, and while a reader parses. All that they took is
+// Where there is too little memory, the XML library keeps from tidying up, lest
+// that fail as well, and so loses what it holds, in two of its functions: while
+// it creates a reader, and while a reader parses. All that they took is
 // excused, but for the reader, which belongs to the caller once it is created.
 // What one of our callbacks took during the parse is not excused.
 std::string whoLost(const std::vector<std::string>& stack);

@@ -1,6 +1,8 @@
 #include "tests/faults/SweptRun.h"
 
+#include <algorithm>
 #include <sstream>
+#include <vector>
 
 #include "tests/faults/MatrixConnection.h"
 #include "tests/support/ScriptedPlatformTest.h"
@@ -26,6 +28,28 @@ bool saysOutOfMemory(const Thrown& thrown, const std::string& operation) {
         return thrown == Thrown{"Exception", 0, conversion};
     }
     return thrown == Thrown{"OvMEMRuntimeException", 0, conversion};
+}
+
+// The states that a registration goes through: it stores the identity before
+// anything is sent, one value after the other, and then starts the transport.
+std::vector<ConnectionState> stepsOfRegistration(
+    const SweptOperation& operation) {
+    std::vector<ConnectionState> steps{operation.state};
+    const auto step = [&steps](auto member, const auto& value) {
+        ConnectionState next = steps.back();
+        next.*member = value;
+        steps.push_back(next);
+    };
+    step(&ConnectionState::serverId, operation.caller.serverId);
+    step(&ConnectionState::clientId, operation.caller.clientId);
+    step(&ConnectionState::locale, operation.caller.locale);
+    step(&ConnectionState::ovMemStarted, true);
+    return steps;
+}
+
+bool isOneOf(const std::vector<ConnectionState>& states,
+             const ConnectionState& state) {
+    return std::find(states.begin(), states.end(), state) != states.end();
 }
 
 }  // namespace
@@ -61,12 +85,8 @@ SweptRun::SweptRun(const SweptOperation& operation, FailingHeap::Plan plan)
 bool SweptRun::leftInOrder(const SweptOperation& operation) const {
     const bool identityInOrder =
         state == operation.state || state == operation.stateAfter ||
-        // Stored before anything is sent, one after the other.
         (operation.name.starts_with("registerClient") &&
-         state.serverId == operation.caller.serverId) ||
-        // Started, and nothing after that.
-        (state.ovMemStarted && !operation.state.ovMemStarted &&
-         state.serverId == operation.state.serverId);
+         isOneOf(stepsOfRegistration(operation), state));
     CallerValues eventsOnly = operation.callerAfter;
     eventsOnly.sharedClients.clear();
     return identityInOrder &&
