@@ -9,8 +9,7 @@ tree=$folder/tree
 mkdir -p "$tree/scripts" "$tree/.ci" "$folder/bin"
 cp "$1/scripts/test" "$tree/scripts"
 cp "$1/.ci/run" "$tree/.ci"
-for program in "$tree/scripts/bootstrap" "$tree/scripts/lint" "$folder/bin/cmake" \
-  "$folder/bin/ctest"; do
+for program in "$tree"/scripts/{bootstrap,lint,coverage,fuzz} "$folder"/bin/{cmake,ctest}; do
   cat >"$program" <<'END'
 #!/bin/bash
 call="$(basename "$0") $*"
@@ -43,14 +42,23 @@ $(suite dev '-LE long')" "$said"
   expect_text "$script: status" 0 "$status"
 done
 
-start none scripts/test --all --no-bootstrap
-expect_text "--all: steps" "lint
+start none scripts/test --all
+expect_text "--all: steps" "bootstrap bench coverage fuzz
+lint
 $(suite clang '-LE long')
 $(suite asan '-LE long')
 $(suite tsan '-LE long')
 $(suite release '-LE long')
+$(suite bench '-LE long')
+coverage
+fuzz 10
 $(suite dev)" "$said"
 expect_text "--all: status" 0 "$status"
+
+start none scripts/test --no-bootstrap
+expect_text "--no-bootstrap: steps" "lint
+$(suite dev '-LE long')" "$said"
+expect_text "--no-bootstrap: status" 0 "$status"
 
 for step in bootstrap lint 'cmake --preset dev --log-level=WARNING' \
   'cmake --build --preset dev' 'ctest --preset dev -LE long'; do
