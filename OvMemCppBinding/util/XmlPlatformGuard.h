@@ -54,8 +54,8 @@ public:
     // Opens no files. `memoryLimit` is in bytes.
     //
     // THROWS: DomException when the platform runs already, for its memory
-    // could not be limited any more, and when it failed to start earlier; what
-    // the XML library throws when it cannot start now.
+    // could not be limited any more, and when it failed to start earlier;
+    // std::bad_alloc, and what the XML library throws when it cannot start now.
     explicit XmlPlatformGuard(std::size_t memoryLimit = 16u * 1024u * 1024u);
 
     // Opens regular files below `folder` only, links followed.
