@@ -13,7 +13,7 @@ namespace Fuzz {
 //
 // During a handshake no status is answered that would make it last for ever.
 //
-// Plays for whole process; the latest one is asked.
+// Plays for a whole process; the latest one is asked.
 class ByteTransport {
 public:
     explicit ByteTransport(std::string answers);
