@@ -100,6 +100,16 @@ TEST_F(LimitedMemoryTest, WhatIsHeldAlreadyDoesNotCount) {
     memory.deallocate(early);
 }
 
+TEST_F(LimitedMemoryTest, WhatIsHeldCountsBesideTheLargestBlockThereIs) {
+    void* const early = memory.allocate(1000);
+    memory.limitGrowth(std::numeric_limits<std::ptrdiff_t>::max());
+    const std::size_t rest =
+        std::numeric_limits<std::ptrdiff_t>::max() - before - 1000;
+    EXPECT_EQ(thrownBy([&] { memory.allocate(rest + 1); }),
+              beyond("9223372036854775807"));
+    memory.deallocate(early);
+}
+
 TEST_F(LimitedMemoryTest, ALimitOfNothingLeavesNothing) {
     memory.limitGrowth(0);
     EXPECT_EQ(thrownBy([&] { memory.allocate(1); }), beyond("0"));

@@ -176,6 +176,14 @@ TEST_F(SAXToNodeParserCallbacks, TextEndsAtItsNulWhateverTheLength) {
     EXPECT_EQ(root().text, "abcde");
 }
 
+TEST_F(SAXToNodeParserCallbacks, AnEmptyPieceOfTextIsNothing) {
+    const XMLCh half[] = {0xD83D, 0};
+    start(u"r");
+    text(half + 1, 0);
+    text(u"a", 1);
+    EXPECT_EQ(root().text, "a");
+}
+
 TEST_F(SAXToNodeParserCallbacks, TextOutsideAnyElementIsDropped) {
     text(u"before", 6);
     start(u"r");
