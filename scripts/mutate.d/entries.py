@@ -1,7 +1,9 @@
 """The entries of CTest that are to notice a change, in the order of their chances."""
 
+import glob
 import json
 import os
+import re
 import subprocess
 from collections import namedtuple
 
@@ -15,16 +17,20 @@ LAST = ["ovmem.faults.EndlessHandshake", "ovmem.faults.PlatformStart",
 # Of the label unit, but about what the tests themselves are made of.
 OTHERS = ("ovmem.support.", "ovmem.wire.WirePlayer")
 
+ADD_TEST = re.compile(r"^add_test\((?:\[=*\[)?([^\s\]]+)(?:\]=*\])? (.*)\)$", re.M)
+ARGUMENT = re.compile(r'"([^"]*)"')
+
 
 def entries(build):
     listed = subprocess.run(["ctest", "--show-only=json-v1"], cwd=build, check=True,
                             stdout=subprocess.PIPE)
+    commands = _commands(build)
     found = []
     for test in json.loads(listed.stdout)["tests"]:
-        name, command = test["name"], list(test.get("command", []))
-        if not command or not (name in LAST or "unit" in _labels(test)) or \
-                name.startswith(OTHERS):
+        name = test["name"]
+        if not (name in LAST or "unit" in _labels(test)) or name.startswith(OTHERS):
             continue
+        command = commands[name]
         if any(a.startswith("--gtest_filter") for a in command):
             command += ["--gtest_fail_fast", "--gtest_brief=1"]
         found.append(Entry(name, os.path.relpath(command[0], build), command))
@@ -48,6 +54,16 @@ def ordered(entries_, path):
         return 2 if entry.name.startswith(f"ovmem.{folder}.") else 3
 
     return sorted(entries_, key=chance)
+
+
+def _commands(build):
+    """By name; CTest itself says nothing of a program that is not built yet."""
+    found = {}
+    for file in glob.glob(os.path.join(build, "**", "CTestTestfile.cmake"), recursive=True):
+        with open(file, encoding="utf-8") as opened:
+            for name, arguments in ADD_TEST.findall(opened.read()):
+                found[name] = ARGUMENT.findall(arguments)
+    return found
 
 
 def _labels(test):
