@@ -160,7 +160,13 @@ ScriptedTransport& ScriptedTransport::reply(const std::string& bytes) {
     return receive(-1);
 }
 
+ScriptedTransport& ScriptedTransport::replyFrom(Source source) {
+    replySource = std::move(source);
+    return *this;
+}
+
 void ScriptedTransport::clear() {
+    replySource = {};
     for (auto& answers : script) {
         answers.clear();
     }
@@ -191,6 +197,9 @@ void ScriptedTransport::verify() {
                     std::to_string(answer.status) + " of " + names[function]);
         }
     }
+    if (replySource) {
+        failure("Nobody fetched the end of the reply");
+    }
     for (const std::string& call : takeCalls()) {
         failure("Nobody looked at the call " + call);
     }
@@ -211,11 +220,24 @@ ScriptedTransport::Answer ScriptedTransport::next(
         answers.pop_front();
         return answer;
     }
+    if (function == receiveFunction && replySource) {
+        return nextOfReply();
+    }
     if (function == receiveFunction || function == lastErrorFunction) {
         failure("Nobody scripted an answer to " + call);
         return {-1, {}};
     }
     return {function == sendNoAckFunction ? 1 : 0, {}};
+}
+
+ScriptedTransport::Answer ScriptedTransport::nextOfReply() {
+    auto bytes = replySource();
+    if (!bytes) {
+        replySource = {};
+        return {-1, {}};
+    }
+    const auto length = static_cast<std::int32_t>(bytes->size());
+    return {length, std::move(bytes)};
 }
 
 }  // namespace OvMemTest

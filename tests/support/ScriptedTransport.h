@@ -66,6 +66,12 @@ public:
     // A whole reply in pieces of up to 16384 bytes, and its end.
     ScriptedTransport& reply(const std::string& bytes);
 
+    // A whole reply of which nothing is held: what OvMem_Receive answers when
+    // its script is at an end comes from `source`, a piece for each call, until
+    // there is none.
+    using Source = std::function<std::optional<std::string>()>;
+    ScriptedTransport& replyFrom(Source source);
+
     // Drops the answers that are left.
     void clear();
 
@@ -111,9 +117,11 @@ private:
 
     ScriptedTransport& add(Function function, Answer answer);
     Answer next(Function function, const std::string& arguments);
+    Answer nextOfReply();
 
     Failure failure;
     std::array<std::deque<Answer>, functionCount> script;
+    Source replySource;  // empty when there is nothing to come from it
     Calls calls;
     std::string lastErrorText;
     int traceDescriptor;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,30 @@ TEST_F(ScriptedTransportTest, CutsAReplyIntoPiecesOfTheBufferSize) {
     EXPECT_EQ(takeFailures(), Texts{});
 }
 
+TEST_F(ScriptedTransportTest, TakesAReplyFromItsSourceBehindTheScript) {
+    Texts pieces{"first", "", "last"};
+    transport->receive(20).replyFrom([&]() -> std::optional<std::string> {
+        if (pieces.empty()) {
+            return {};
+        }
+        const std::string piece = pieces.front();
+        pieces.erase(pieces.begin());
+        return piece;
+    });
+    EXPECT_EQ(OvMem_Receive(buffer), 20);
+    EXPECT_EQ(OvMem_Receive(buffer), 5);
+    EXPECT_EQ(std::string(buffer, 6), "first\xA5");
+    EXPECT_EQ(OvMem_Receive(buffer), 0);
+    EXPECT_EQ(OvMem_Receive(buffer), 4);
+    EXPECT_EQ(std::string(buffer, 5), "last\xA5");
+    EXPECT_EQ(OvMem_Receive(buffer), -1);
+    EXPECT_EQ(takeFailures(), Texts{});
+    EXPECT_EQ(OvMem_Receive(buffer), -1);
+    EXPECT_EQ(takeFailures(),
+              (Texts{"Nobody scripted an answer to OvMem_Receive()"}));
+    transport->takeCalls();
+}
+
 TEST_F(ScriptedTransportTest, HandsOutTheLastErrorAndTakesItBack) {
     transport->lastError(7, "first").lastError(0, std::nullopt);
     const char* text = nullptr;
@@ -108,12 +133,13 @@ TEST_F(ScriptedTransportTest, ReportsACallThatNobodyScripted) {
 }
 
 TEST_F(ScriptedTransportTest, ReportsAtItsEndWhatIsLeft) {
-    transport->receive(19).complete(-5);
+    transport->receive(19).complete(-5).replyFrom([] { return "more"; });
     OvMem_SendEOF();
     transport.reset();
     EXPECT_EQ(takeFailures(),
               (Texts{"Nobody fetched the answer 19 of OvMem_Receive",
                      "Nobody fetched the answer -5 of OvMem_Complete",
+                     "Nobody fetched the end of the reply",
                      "Nobody looked at the call OvMem_SendEOF()"}));
 }
 
