@@ -1,18 +1,13 @@
-#include <chrono>
 #include <iostream>
-#include <map>
+#include <memory>
 #include <optional>
-#include <stdexcept>
+#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "OvMemCppBinding/client/OvMEMConnection.h"
-#include "tests/faults/FailingHeap.h"
-#include "tests/faults/SweptOperations.h"
-#include "tests/faults/SweptRun.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Thrown.h"
+#include "tests/faults/StartSweep.h"
 
 // The first connection of a process starts the XML platform, which takes some
 // thousand requests for memory. When one of them is refused, the XML library
@@ -24,78 +19,32 @@ namespace OvMemTest {
 
 namespace {
 
-using namespace std::chrono_literals;
 using Orvane::Net::OvModelEventManager::Client::OvMEMConnection;
 
-constexpr int panicked = 255;
+class FirstConnection : public PlatformStart {
+public:
+    void start() override { connection.emplace(); }
 
-struct Start {
-    std::uint64_t failAt;
-    bool andAllAfter;
+    std::string use(const Thrown& thrown) override {
+        return thrown.type + complaintsOfRegistration(thrown == nothingThrown);
+    }
+
+private:
+    std::optional<OvMEMConnection> connection;
 };
 
-const SweptOperation& firstOperation() {
-    static const SweptOperation operation = [] {
-        for (SweptOperation& candidate : sweptOperations()) {
-            if (candidate.name == "registerClientSmall") {
-                return candidate;
-            }
-        }
-        throw std::logic_error("registerClientSmall is not swept");
-    }();
-    return operation;
+StartSweep firstConnection() {
+    return StartSweep([] { return std::make_unique<FirstConnection>(); });
 }
 
-// In the child: starts the platform, and then uses it.
-int start(const Start& wanted) {
-    std::optional<OvMEMConnection> connection;
-    const Thrown thrown = thrownBy([&] {
-        const FailingHeap::Scope scope({wanted.failAt, wanted.andAllAfter});
-        connection.emplace();
-    });
-    std::cout << (FailingHeap::refused() == 0 ? "unrefused" : thrown.type);
-    SweptOperation next = firstOperation();
-    if (thrown != nothingThrown) {
-        next.thrown = {"DomException", 0,
-                       "XML parser platform is not initialised"};
-        next.callerAfter = next.caller;
-    }
-    std::cout << SweptRun(next, {}).complaints(next) << std::endl;
-    return 0;
-}
-
-std::string outcomeOf(const Start& wanted) {
-    ChildProcess child([&wanted] { return start(wanted); });
-    if (!child.awaitEnd(20s)) {
-        return "hung";
-    }
-    if (child.exitStatus() == panicked) {
-        return "panic";
-    }
-    return child.exitStatus() == 0
-               ? child.output().substr(0, child.output().size() - 1)
-               : "died after " + child.output() + child.errors();
-}
-
-void sweepStart(std::uint64_t first, std::uint64_t stride, bool andAllAfter) {
-    std::map<std::string, int> outcomes;
-    std::uint64_t at = first;
-    for (;; at += stride) {
-        const std::string outcome = outcomeOf({at, andAllAfter});
-        if (outcome == "unrefused") {
-            break;
-        }
-        ++outcomes[outcome];
-        const bool foreseen = outcome == "nothing" || outcome == "bad_alloc" ||
-                              outcome == "OutOfMemoryException" ||
-                              outcome == "panic";
-        EXPECT_TRUE(foreseen) << "at " << at << ": " << outcome;
-    }
-    EXPECT_GT(at, 1000U);
-    std::cout << "fewer than " << at << " positions, one in " << stride
-              << " tried:";
+void expectForeseen(const StartSweep& sweep,
+                    const StartSweep::Outcomes& outcomes) {
+    const std::set<std::string> foreseen{"nothing", "bad_alloc",
+                                         "OutOfMemoryException", "panic"};
+    std::cout << "of " << sweep.positions() << " positions";
     for (const auto& [outcome, count] : outcomes) {
-        std::cout << " " << count << " " << outcome;
+        EXPECT_TRUE(foreseen.contains(outcome)) << outcome;
+        std::cout << ", " << count << " " << outcome;
     }
     std::cout << std::endl;
 }
@@ -103,16 +52,20 @@ void sweepStart(std::uint64_t first, std::uint64_t stride, bool andAllAfter) {
 }  // namespace
 
 TEST(PlatformStart, ASampleOfItsPositionsEndsAsForeseen) {
-    sweepStart(1, 97, false);
-    sweepStart(50, 97, true);
+    const StartSweep sweep = firstConnection();
+    EXPECT_GT(sweep.positions(), 1000U);
+    expectForeseen(sweep, sweep.refuseSome(97, false));
+    expectForeseen(sweep, sweep.refuseSome(89, true));
 }
 
 TEST(LongPlatformStart, EachOfItsPositionsEndsAsForeseen) {
-    sweepStart(1, 1, false);
+    const StartSweep sweep = firstConnection();
+    expectForeseen(sweep, sweep.refuseEach(false));
 }
 
 TEST(LongPlatformStart, EachOfItsPositionsAndAllThatFollowEndAsForeseen) {
-    sweepStart(1, 1, true);
+    const StartSweep sweep = firstConnection();
+    expectForeseen(sweep, sweep.refuseEach(true));
 }
 
 }  // namespace OvMemTest
