@@ -10,7 +10,7 @@
 
 namespace Orvane::Net::OvModelEventManager::Bench {
 
-// The result of work that produces nothing to compare.
+// The result of work that makes nothing. Its checksum comes from elsewhere.
 struct Nothing {};
 
 // Measures `work`, a function without parameters that returns what it made.

@@ -6,14 +6,13 @@
 
 #include <unicode/unistr.h>
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
-#include <xercesc/util/XMLString.hpp>
 
 #include "OvMemCppBinding/client/OvMEMConnection.h"
 #include "OvMemCppBinding/platform/LogCorrelation.h"
 #include "OvMemCppBinding/platform/OvMemBinding.h"
+#include "bench/IdsHandler.h"
 #include "bench/InstantTransport.h"
 #include "bench/Measure.h"
 #include "bench/Reply.h"
@@ -61,35 +60,7 @@ void ours(benchmark::State& state) {
     });
 }
 
-// The least code for the same road: what a reply is made of stays unlooked at.
-
-class IdsHandler : public xercesc::DefaultHandler {
-public:
-    explicit IdsHandler(Ids& target) : ids(target) {}
-
-    void startElement(const XMLCh*, const XMLCh*, const XMLCh*,
-                      const xercesc::Attributes&) override {
-        text.clear();
-        ++depth;
-    }
-
-    void characters(const XMLCh* chars, XMLSize_t length) override {
-        text.append(chars, length);
-    }
-
-    void endElement(const XMLCh*, const XMLCh*, const XMLCh*) override {
-        if (depth-- == 2) {
-            char* id = xercesc::XMLString::transcode(text.c_str());
-            ids.emplace_back(id);
-            xercesc::XMLString::release(&id);
-        }
-    }
-
-private:
-    Ids& ids;
-    std::basic_string<XMLCh> text;
-    int depth = 0;
-};
+// The least code for the same road.
 
 std::string exchangeByHand(const std::string& block, const char* body) {
     std::string utf8;

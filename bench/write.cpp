@@ -20,6 +20,18 @@ const xmlChar* xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
+struct BufferFree {
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+};
+
+using XmlBuffer = std::unique_ptr<xmlBuffer, BufferFree>;
+
+std::uint32_t checksum(const XmlBuffer& buffer) {
+    return Bench::checksum(std::string_view(
+        reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+        static_cast<std::size_t>(xmlBufferLength(buffer.get()))));
+}
+
 void ours(benchmark::State& state) {
     SharedClientIDs ids;
     ids.setSharedClients(identifiers(static_cast<std::size_t>(state.range(0))));
@@ -34,8 +46,7 @@ void libxml2(benchmark::State& state) {
     const std::vector<std::string> ids =
         identifiers(static_cast<std::size_t>(state.range(0)));
     measure(state, [&] {
-        const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(
-            xmlBufferCreate(), &xmlBufferFree);
+        XmlBuffer buffer(xmlBufferCreate());
         const std::unique_ptr<xmlTextWriter, decltype(&xmlFreeTextWriter)>
             owner(xmlNewTextWriterMemory(buffer.get(), 0), &xmlFreeTextWriter);
         xmlTextWriter* writer = owner.get();
@@ -49,9 +60,7 @@ void libxml2(benchmark::State& state) {
         }
         xmlTextWriterEndElement(writer);
         xmlTextWriterFlush(writer);
-        return std::string(
-            reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-            static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+        return buffer;
     });
 }
 
