@@ -15,7 +15,8 @@ RawSqlite::RawSqlite(const std::string& file, const std::string& synchronous) {
         synchronous +
         ";PRAGMA journal_size_limit = 67108864;"
         "PRAGMA secure_delete = FAST;"
-        "CREATE TABLE event (number INTEGER PRIMARY KEY, body BLOB NOT NULL);";
+        "CREATE TABLE IF NOT EXISTS event "
+        "(number INTEGER PRIMARY KEY, body BLOB NOT NULL);";
     require(sqlite3_exec(database.get(), schema.c_str(), nullptr, nullptr,
                          nullptr) == SQLITE_OK);
     begin = prepare("BEGIN IMMEDIATE");
@@ -33,8 +34,7 @@ void RawSqlite::put(const std::string& event) {
     run(commit);
 }
 
-std::string RawSqlite::all() {
-    std::string events;
+void RawSqlite::getAll(std::string& events) {
     while (sqlite3_step(select.get()) == SQLITE_ROW) {
         const void* body = sqlite3_column_blob(select.get(), 0);
         const int length = sqlite3_column_bytes(select.get(), 0);
@@ -42,7 +42,6 @@ std::string RawSqlite::all() {
                       static_cast<std::size_t>(length));
     }
     require(sqlite3_reset(select.get()) == SQLITE_OK);
-    return events;
 }
 
 void RawSqlite::require(bool holds) const {

@@ -19,8 +19,8 @@ public:
 
     void put(const std::string& event);
 
-    // All events, one after the other.
-    std::string all();
+    // Appends all events, one after the other.
+    void getAll(std::string& events);
 
 private:
     struct Close {

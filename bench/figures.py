@@ -3,7 +3,7 @@
 A benchmark's name is subject/who/size, as the sources of this folder give it.
 """
 
-from rows import Growth, Ratio, Value
+from rows import Growth, Ratio, Steady, Value
 
 KIB = 1024
 MIB = 1024 * KIB
@@ -44,12 +44,20 @@ def parse():
 
 
 def receive():
-    for size in (64 * KIB, MIB, 4 * MIB, 64 * MIB):
-        for chunk in (16 * KIB, 4 * KIB, 512):
-            chunks = bytes_of(chunk) if chunk >= KIB else f"{chunk} B"
-            yield Ratio(RECEIVE, f"{bytes_of(size)} in {chunks}", f"receive/ours/{size}/{chunk}",
-                        f"receive/reserved/{size}/{chunk}", "append to a reserved string",
+    sizes = (64 * KIB, MIB, 4 * MIB, 64 * MIB)
+    chunks = ((16 * KIB, "16 KiB"), (4 * KIB, "4 KiB"), (512, "512 B"))
+    peer = "append to a reserved string"
+
+    def pair(size, chunk):
+        return f"receive/ours/{size}/{chunk}", f"receive/reserved/{size}/{chunk}"
+
+    for size in sizes:
+        for chunk, name in chunks:
+            yield Ratio(RECEIVE, f"{bytes_of(size)} in {name}", *pair(size, chunk), peer,
                         at_most=3.0)
+    for chunk, name in chunks:
+        yield Steady(RECEIVE, f"{', '.join(map(bytes_of, sizes))} in {name}",
+                     [pair(size, chunk) for size in sizes], peer, at_most=2.0)
     yield Value(RECEIVE, "512 MiB in 16 KiB", "seconds", f"receive/ours/{512 * MIB}/{16 * KIB}",
                 lambda run: run.seconds("cpu"), at_most=3)
     yield Growth(RECEIVE, [(bytes_of(n), f"receive/ours/{n}/{16 * KIB}")
@@ -67,9 +75,12 @@ def escape():
     for percent, limit in ((0, 3), (1, 12), (10, 40), (100, 50)):
         yield Ratio(UNESCAPE, f"1 MiB, {percent} % special", f"unescape/ours/{MIB}/{percent}",
                     f"unescape/copy/{MIB}/{percent}", "a plain copy", at_most=limit)
-    for percent in (0, 1, 10, 100):
+    yield Steady(UNESCAPE, "1 MiB, 2 MiB, 4 MiB, 0 % special",
+                 [(f"unescape/ours/{n}/0", f"unescape/copy/{n}/0")
+                  for n in (MIB, 2 * MIB, 4 * MIB)], "a plain copy", at_most=2.0)
+    for percent in (1, 10, 100):
         yield Growth(UNESCAPE, [(f"{bytes_of(n)}, {percent} %", f"unescape/ours/{n}/{percent}")
-                                for n in (MIB, 2 * MIB, 4 * MIB)])
+                                for n in (MIB, 2 * MIB, 4 * MIB)], at_most=2.4)
 
 
 def write():
@@ -105,13 +116,15 @@ def store():
     for count in (10, 1000):
         yield Ratio(PUT, f"{count:,} clients", f"store/put/0/{count}", "store/put/0/1",
                     "ours, 1 client", at_most=1.2)
-    yield Ratio(PUT, "400,000 events waiting", "store/put_waiting/400000", "store/put/0/1",
+    yield Ratio(PUT, "400,000 events waiting", "store/put_waiting/400000", "store/put/0/2",
                 "ours, none waiting", at_most=1.2)
     for name, key in (("FULL", 1), ("NORMAL", 0)):
-        yield Value(GET, f"10,000 events, `{name}`", "events a second", f"store/get/{key}",
+        yield Value(GET, f"10,000 events, `{name}`", "events a second", f"store/get/{key}/10000",
                     lambda run: run.counter("events") / run.seconds("real"), at_least=200000)
-        yield Ratio(GET, f"10,000 events, `{name}`", f"store/get/{key}", "store/get_raw",
-                    "a raw SQLite select", clock="real")
+        yield Ratio(GET, f"10,000 events, `{name}`", f"store/get/{key}/10000",
+                    "store/get_raw/10000", "a raw SQLite select", clock="real")
+    yield Growth(GET, [(f"{n:,} events, `NORMAL`", f"store/get/0/{n}")
+                       for n in (2500, 5000, 10000)], at_most=3.0, clock="real")
 
 
 SUBJECTS = {

@@ -19,7 +19,7 @@ class Run:
         return statistics.median(one[name] for one in self.rounds)
 
     def checksums(self):
-        return {one["checksum"] for one in self.rounds if "checksum" in one}
+        return {one.get("checksum") for one in self.rounds}
 
 
 UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
@@ -50,10 +50,12 @@ def runs_of(results):
 
 
 def wrong_checksums(runs, rows):
-    """What a row compares, but did not do the same work."""
+    """What a row compares, but did not do the same work, or does not show it."""
     for row in rows:
         compared = [runs[name].checksums() for name in row.names if name in runs]
-        if any(len(sums) > 1 for sums in compared):
+        if any(None in sums for sums in compared):
+            yield f"{' and '.join(row.names)}: no checksum"
+        elif any(len(sums) > 1 for sums in compared):
             yield f"{' and '.join(row.names)}: the rounds differ"
         elif row.same_work and len(set().union(*compared)) > 1:
             yield f"{' and '.join(row.names)}: the results differ"

@@ -76,16 +76,43 @@ class Growth:
 
     same_work = False
 
-    def __init__(self, subject, sizes, at_most=None):
+    def __init__(self, subject, sizes, at_most=None, clock="cpu"):
         self.subject = subject
         self.size = f"{sizes[0][0]}, doubled {len(sizes) - 1} times"
         self.names = tuple(name for _, name in sizes)
         self.at_most = at_most
+        self.clock = clock
 
     def line(self, runs):
-        times = [runs[name].seconds("cpu") for name in self.names]
+        times = [runs[name].seconds(self.clock) for name in self.names]
         factors = [after / before for before, after in zip(times, times[1:])]
         must = f"each at most {self.at_most} times" if self.at_most else "-"
         met = max(factors) <= self.at_most if self.at_most else None
         return Line(self.subject, self.size, ", ".join(map(duration, times)), "-",
                     ", ".join(f"{factor:.2f}" for factor in factors) + " times", must, met)
+
+
+class Steady:
+    """The ratio of ours to a peer at several sizes, the largest beside the smallest.
+
+    For what grows as the peer does, in step with the memory of the machine and
+    not with the size alone.
+    """
+
+    same_work = False  # as one size has another result; a Ratio compares each
+
+    def __init__(self, subject, size, pairs, peer_name, at_most):
+        self.subject, self.size = subject, size
+        self.pairs = pairs
+        self.names = tuple(name for pair in pairs for name in pair)
+        self.peer_name = peer_name
+        self.at_most = at_most
+
+    def line(self, runs):
+        ratios = [runs[ours].seconds("cpu") / runs[peer].seconds("cpu")
+                  for ours, peer in self.pairs]
+        spread = max(ratios) / min(ratios)
+        return Line(self.subject, self.size,
+                    ", ".join(f"{ratio:.2f}" for ratio in ratios) + " times the peer",
+                    self.peer_name, f"largest {spread:.2f} times the smallest",
+                    f"at most {self.at_most} times", spread <= self.at_most)
