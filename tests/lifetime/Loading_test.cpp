@@ -6,6 +6,16 @@
 
 namespace {
 
+const char library[] = "libOvMemCppBinding.so.0";
+
+bool isLoaded(const char* file) {
+    void* const loaded = ::dlopen(file, RTLD_NOW | RTLD_NOLOAD);
+    if (loaded != nullptr) {
+        ::dlclose(loaded);
+    }
+    return loaded != nullptr;
+}
+
 // Loads the plug-in, and with it the library, uses both and lets them go.
 std::string shareAnEvent(bool guarded) {
     void* const plugin = ::dlopen(OVMEM_PLUGIN, RTLD_NOW | RTLD_LOCAL);
@@ -15,6 +25,8 @@ std::string shareAnEvent(bool guarded) {
     using Function = const char* (*)(bool);
     const auto function =
         reinterpret_cast<Function>(::dlsym(plugin, "shareAnEvent"));
+    EXPECT_TRUE(isLoaded(OVMEM_PLUGIN));
+    EXPECT_TRUE(isLoaded(library));
     const std::string result =
         function == nullptr ? ::dlerror() : function(guarded);
     ::dlclose(plugin);
@@ -22,17 +34,9 @@ std::string shareAnEvent(bool guarded) {
 }
 
 // The platform's own libraries are the process's.
-void stay(const char* library) {
-    ASSERT_NE(::dlopen(library, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE), nullptr)
+void stay(const char* file) {
+    ASSERT_NE(::dlopen(file, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE), nullptr)
         << ::dlerror();
-}
-
-bool isLoaded(const char* library) {
-    void* const loaded = ::dlopen(library, RTLD_NOW | RTLD_NOLOAD);
-    if (loaded != nullptr) {
-        ::dlclose(loaded);
-    }
-    return loaded != nullptr;
 }
 
 }  // namespace
@@ -45,7 +49,7 @@ TEST(Loading, TheLibraryMayBeLoadedAndUnloadedAgainAndAgain) {
         for (const bool guarded : {false, true}) {
             EXPECT_EQ(shareAnEvent(guarded), "valve sees pump, pump got open");
             EXPECT_FALSE(isLoaded(OVMEM_PLUGIN));
-            ASSERT_FALSE(isLoaded("libOvMemCppBinding.so.0")) << time;
+            ASSERT_FALSE(isLoaded(library)) << time;
         }
     }
 }

@@ -1,12 +1,8 @@
 #include "tests/lifetime/Order.h"
 
-#include <array>
-
 namespace OvMemTest {
 
 namespace {
-
-constexpr std::size_t count = 3;
 
 std::string inWords(const Event& event) {
     const std::string connection = std::to_string(event.connection);
@@ -15,6 +11,9 @@ std::string inWords(const Event& event) {
             return "create " + connection;
         case Event::Copy:
             return "copy " + std::to_string(event.source) + " to " + connection;
+        case Event::Assign:
+            return "assign " + std::to_string(event.source) + " to " +
+                   connection;
         case Event::Use:
             return "use " + connection;
         case Event::Destroy:
@@ -26,6 +25,9 @@ std::string inWords(const Event& event) {
 // Goes through all orders, one event at a time.
 class Search {
 public:
+    Search(std::size_t connections, bool withAnAssignment)
+        : stages(connections, Absent), assignmentToCome(withAnAssignment) {}
+
     std::vector<Order> run() {
         goOn();
         return found;
@@ -37,16 +39,13 @@ private:
     static bool isAlive(Stage stage) { return stage == New || stage == Used; }
 
     void goOn() {
-        bool over = true;
+        bool over = !assignmentToCome;
         bool mayBegin = true;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (stages[i] == Gone) {
-                continue;
-            }
-            over = false;
-            if (stages[i] != Absent) {
-                goThrough({stages[i] == New ? Event::Use : Event::Destroy, i});
-            } else if (mayBegin) {
+        for (std::size_t i = 0; i < stages.size(); ++i) {
+            over = over && stages[i] == Gone;
+            if (isAlive(stages[i])) {
+                live(i);
+            } else if (stages[i] == Absent && mayBegin) {
                 begin(i);
                 mayBegin = false;
             }
@@ -57,25 +56,41 @@ private:
     }
 
     void begin(std::size_t i) {
-        goThrough({Event::Create, i});
+        goThrough({Event::Create, i}, New);
         for (std::size_t source = 0; source < i; ++source) {
             if (isAlive(stages[source])) {
-                goThrough({Event::Copy, i, source});
+                goThrough({Event::Copy, i, source}, New);
             }
         }
     }
 
-    void goThrough(const Event& event) {
-        Stage& stage = stages[event.connection];
-        const Stage before = stage;
-        stage = static_cast<Stage>(before + 1);
+    void live(std::size_t i) {
+        if (stages[i] == New) {
+            goThrough({Event::Use, i}, Used);
+        }
+        goThrough({Event::Destroy, i}, Gone);
+        if (assignmentToCome) {
+            assignmentToCome = false;
+            for (std::size_t source = 0; source < stages.size(); ++source) {
+                if (source != i && isAlive(stages[source])) {
+                    goThrough({Event::Assign, i, source}, New);
+                }
+            }
+            assignmentToCome = true;
+        }
+    }
+
+    void goThrough(const Event& event, Stage after) {
+        const Stage before = stages[event.connection];
+        stages[event.connection] = after;
         order.push_back(event);
         goOn();
         order.pop_back();
-        stage = before;
+        stages[event.connection] = before;
     }
 
-    std::array<Stage, count> stages{};
+    std::vector<Stage> stages;
+    bool assignmentToCome;
     Order order;
     std::vector<Order> found;
 };
@@ -91,7 +106,11 @@ std::string inWords(const Order& order) {
 }
 
 std::vector<Order> allOrders() {
-    return Search().run();
+    return Search(3, false).run();
+}
+
+std::vector<Order> allOrdersWithAnAssignment() {
+    return Search(2, true).run();
 }
 
 }  // namespace OvMemTest

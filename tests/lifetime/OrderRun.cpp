@@ -40,6 +40,12 @@ void OrderRun::happen(const Event& event) {
                     source.started};
             break;
         }
+        case Event::Assign: {
+            const Slot& source = slots[event.source];
+            *slot.connection = *source.connection;
+            slot.started = source.started;
+            break;
+        }
         case Event::Use:
             use(slot);
             break;
