@@ -25,8 +25,9 @@ auto RestrictedFiles::fileOpen(const char* path, bool toWrite, Memory* memory)
     return open(path, toWrite, memory);
 }
 
-// A FIFO or a device could keep the parser waiting for ever. What is opened is
-// what was looked at, whatever becomes of links in between.
+// A FIFO or a device could keep the parser waiting for ever. The path that is
+// opened is the one that was looked at, without links; but whoever may rename
+// things on it can put a link or a FIFO there between the look and the opening.
 auto RestrictedFiles::open(const std::string& path, bool toWrite,
                            Memory* memory) -> Handle {
     std::error_code failed;
