@@ -76,15 +76,14 @@ class Growth:
 
     same_work = False
 
-    def __init__(self, subject, sizes, at_most=None, clock="cpu"):
+    def __init__(self, subject, sizes, at_most=None):
         self.subject = subject
         self.size = f"{sizes[0][0]}, doubled {len(sizes) - 1} times"
         self.names = tuple(name for _, name in sizes)
         self.at_most = at_most
-        self.clock = clock
 
     def line(self, runs):
-        times = [runs[name].seconds(self.clock) for name in self.names]
+        times = [runs[name].seconds("cpu") for name in self.names]
         factors = [after / before for before, after in zip(times, times[1:])]
         must = f"each at most {self.at_most} times" if self.at_most else "-"
         met = max(factors) <= self.at_most if self.at_most else None

@@ -178,7 +178,7 @@ BENCHMARK(get)
     ->Args({full, 10000})
     ->Args({normal, 10000})
     ->Args({normal, 5000})
-    ->Args({normal, 2500})
+    ->Args({normal, 20000})
     ->Iterations(1)
     ->UseRealTime();
 BENCHMARK(getRaw)
