@@ -143,6 +143,8 @@ protected:
             "OutOfMemoryException",
             "OutOfMemoryException, then a guard",
             "XmlPlatformGuard: the XML library cannot go on: Unknown reason",
+            "XmlPlatformGuard: the XML library cannot go on: Could not load a "
+            "local code page transcoder",
             // A fault that is known: to end the platform takes memory, too,
             // and a guard that has to for want of it ends the process.
             "abort",

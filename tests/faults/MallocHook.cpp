@@ -13,6 +13,18 @@
 
 using OvMemTest::FailingHeap;
 
+namespace {
+
+bool refuses() {
+    const bool refused = FailingHeap::refuses();
+    if (refused) {
+        errno = ENOMEM;
+    }
+    return refused;
+}
+
+}  // namespace
+
 extern "C" {
 
 void* __libc_malloc(std::size_t size);
@@ -24,20 +36,19 @@ void __libc_free(void* block);
 #pragma GCC visibility push(default)
 
 void* malloc(std::size_t size) noexcept {
-    void* block = FailingHeap::refuses() ? nullptr : __libc_malloc(size);
+    void* block = refuses() ? nullptr : __libc_malloc(size);
     FailingHeap::taken(block);
     return block;
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-    void* block = FailingHeap::refuses() ? nullptr : __libc_calloc(count, size);
+    void* block = refuses() ? nullptr : __libc_calloc(count, size);
     FailingHeap::taken(block);
     return block;
 }
 
 void* realloc(void* block, std::size_t size) noexcept {
-    if (FailingHeap::refuses()) {
-        errno = ENOMEM;
+    if (refuses()) {
         return nullptr;
     }
     FailingHeap::givenBack(block);
@@ -47,8 +58,7 @@ void* realloc(void* block, std::size_t size) noexcept {
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
-    void* block =
-        FailingHeap::refuses() ? nullptr : __libc_memalign(alignment, size);
+    void* block = refuses() ? nullptr : __libc_memalign(alignment, size);
     FailingHeap::taken(block);
     return block;
 }
