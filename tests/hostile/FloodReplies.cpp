@@ -15,10 +15,14 @@ HostileReply flood(const std::string& name, const std::string& beginning,
 std::string numbered(const std::string& text, std::size_t count) {
     std::string all;
     for (std::size_t number = 0; number < count; ++number) {
-        for (const char letter : text) {
-            all +=
-                letter == '#' ? std::to_string(number) : std::string(1, letter);
+        const std::string digits = std::to_string(number);
+        std::size_t from = 0;
+        for (auto at = text.find('#'); at != std::string::npos;
+             at = text.find('#', from)) {
+            all.append(text, from, at - from).append(digits);
+            from = at + 1;
         }
+        all.append(text, from);
     }
     return all;
 }
@@ -40,9 +44,9 @@ HostileReply nested(const std::string& name, std::size_t depth,
 std::vector<HostileReply> floodReplies() {
     return {
         // Depth.
-        nested("NestedAThousand", 1000, accepted, accepted),
-        nested("NestedAThousandAndOne", 1001, depthLimit(), accepted),
-        nested("NestedFiveThousand", 5000, depthLimit(), accepted),
+        nested("NestedAThousand", 1000, accepting({""}), accepting({""})),
+        nested("NestedAThousandAndOne", 1001, depthLimit(), accepting({""})),
+        nested("NestedFiveThousand", 5000, depthLimit(), accepting({""})),
         nested("NestedAMillion", 1000000, depthLimit(), {}),
         flood("OpenedAMillionTimes", "", {"<a>", 1000000}, "", depthLimit(),
               {}),
@@ -68,13 +72,13 @@ std::vector<HostileReply> floodReplies() {
               "]]></sharedClients></r>", libraryLimit(), {}),
         flood("LongBlankBeforeTheRoot", "", {" ", many}, "<r/>", libraryLimit(),
               {}),
-        flood("LongBlankInATag", "<r", {" ", many}, "/>", accepted, {}),
+        flood("LongBlankInATag", "<r", {" ", many}, "/>", accepted, accepted),
         flood("LongBlankBehindTheRoot", "<r/>", {" ", many}, "", libraryLimit(),
               {}),
         flood("LongEntityName", "<r>&", {"x", many}, ";</r>", libraryLimit(),
               {}),
         flood("LongReference", "<r>&#", {"0", many / 4}, "65;</r>", accepted,
-              {}),
+              accepted),
         flood("LongDeclaration", "<?xml version='1.0'", {" ", many}, "?><r/>",
               missing(), {}),
         flood("LongTextThatIsNoUtf8", "<r>", {"\xFF", many}, "</r>",
@@ -96,12 +100,13 @@ std::vector<HostileReply> floodReplies() {
               {"<![CDATA[x]]>", many / 13}, "</sharedClients></r>", treeLimit(),
               {}),
         flood("ManyInstructions", "<r>", {"<?p?>", many / 40}, "</r>", accepted,
-              {}),
+              accepted),
         flood("ManyComments", "<r>", {"<!---->", many / 40}, "</r>", accepted,
-              {}),
+              accepted),
         flood("ManyIdentifiers", "<r>",
               {"<sharedClients>x</sharedClients>", many / 10000}, "</r>",
-              accepted, accepted),
+              accepting(std::vector<std::string>(many / 10000, "x")),
+              accepting(std::vector<std::string>(many / 10000, "x"))),
         flood("ManyLines", "<r>", {"\n", many / 100}, "</s>",
               fatal(static_cast<int>(many / 100) + 1, 3,
                     "expected end of tag 'r'"),

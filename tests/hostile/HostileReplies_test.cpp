@@ -46,7 +46,7 @@ protected:
         std::cout << std::fixed << std::setprecision(3) << reply.name
                   << (guarded ? " guarded: " : " bare: ") << run.seconds()
                   << " s, " << std::setprecision(0) << run.mebibytes()
-                  << " MiB, " << run.accepted() << " bytes of identifiers\n";
+                  << " MiB\n";
     }
 
     const std::filesystem::path before = std::filesystem::current_path();
@@ -88,6 +88,29 @@ TEST(HostileReplyTable, ForeseesNeitherFilesNorSocketsUnderTheGuard) {
     for (const HostileReply& reply : hostileReplies()) {
         EXPECT_EQ(reply.guarded.files, 0) << reply.name;
         EXPECT_EQ(reply.guarded.sockets, 0) << reply.name;
+    }
+}
+
+// What the caller gets is what these say: each is played.
+TEST(HostileReplyTable, ForeseesTheSameIdentifiersWhereverBothAccept) {
+    int both = 0;
+    for (const HostileReply& reply : hostileReplies()) {
+        if (reply.bare && reply.bare->text.empty() &&
+            reply.guarded.text.empty()) {
+            EXPECT_EQ(reply.guarded.identifiers, reply.bare->identifiers)
+                << reply.name;
+            ++both;
+        }
+    }
+    EXPECT_GE(both, 40);
+}
+
+// Nor does the caller get a part of what is refused.
+TEST(HostileReplyTable, ForeseesNoIdentifierOfARefusedReply) {
+    for (const HostileReply& reply : hostileReplies()) {
+        EXPECT_TRUE(reply.guarded.text.empty() ||
+                    reply.guarded.identifiers.empty())
+            << reply.name;
     }
 }
 

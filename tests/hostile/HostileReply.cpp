@@ -1,6 +1,9 @@
 #include "tests/hostile/HostileReply.h"
 
+#include <functional>
 #include <ostream>
+
+#include "tests/support/Quoted.h"
 
 namespace OvMemTest {
 
@@ -8,8 +11,23 @@ const std::size_t memoryLimit = OVMEM_HOSTILE_MEMORY_LIMIT;
 const std::size_t many = OVMEM_HOSTILE_MANY;
 
 std::ostream& operator<<(std::ostream& stream, const Fate& fate) {
-    return stream << (fate.text.empty() ? "accepted\n" : fate.text) << "("
-                  << fate.files << " files, " << fate.sockets << " sockets)";
+    return stream << (fate.text.empty() ? "accepted\n" : fate.text)
+                  << "(identifiers: " << fate.identifiers << "; " << fate.files
+                  << " files, " << fate.sockets << " sockets)";
+}
+
+std::string inWords(const std::vector<std::string>& identifiers) {
+    std::string words;
+    std::size_t bytes = 0;
+    for (const std::string& identifier : identifiers) {
+        words += (words.empty() ? "" : ", ") + inQuotes(identifier);
+        bytes += identifier.size();
+    }
+    if (words.size() <= 100) {
+        return words;
+    }
+    return std::to_string(identifiers.size()) + " of " + std::to_string(bytes) +
+           " bytes, hash " + std::to_string(std::hash<std::string>()(words));
 }
 
 std::vector<HostileReply> hostileReplies() {
@@ -24,6 +42,10 @@ std::vector<HostileReply> hostileReplies() {
 
 std::string identifier(const std::string& text) {
     return "<r><sharedClients>" + text + "</sharedClients></r>";
+}
+
+Fate accepting(const std::vector<std::string>& identifiers) {
+    return {"", inWords(identifiers)};
 }
 
 Fate fatal(int line, int column, const std::string& message) {

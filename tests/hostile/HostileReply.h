@@ -7,24 +7,25 @@
 #include <string>
 #include <vector>
 
+#include "tests/hostile/PieceStream.h"
+
 namespace OvMemTest {
 
-// A text, so many times. Large replies are written so and never held whole.
-struct Piece {
-    std::string text;
-    std::size_t times = 1;
-};
-
 // What becomes of a reply: the whole text of the DomException in which it
-// ends, empty if it is accepted, and how often a file and a socket was asked
-// for on the way.
+// ends, empty if it is accepted; the identifiers that the caller has then, in
+// words; and how often a file and a socket was asked for on the way.
 struct Fate {
     std::string text;
+    std::string identifiers = {};
     int files = 0;
     int sockets = 0;
 
     bool operator==(const Fate&) const = default;
 };
+
+// Identifiers in quotes, in their order. Where that is long, how many, how
+// many bytes and a hash.
+std::string inWords(const std::vector<std::string>& identifiers);
 
 std::ostream& operator<<(std::ostream& stream, const Fate& fate);
 
@@ -56,7 +57,8 @@ extern const std::size_t many;
 // A reply with this text for its one identifier.
 std::string identifier(const std::string& text);
 
-const Fate accepted;
+const Fate accepted;  // without an identifier
+Fate accepting(const std::vector<std::string>& identifiers);
 Fate fatal(int line, int column, const std::string& message);
 Fate missing();  // a document that could not be opened
 Fate unexpected(const std::string& child);

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <vector>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -30,52 +31,12 @@ using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
-constexpr std::size_t chunkSize = 16384;
 constexpr rlim_t mayGrow = 256 << 20;
 constexpr rlim_t seconds = 20;
 
-// Bytes on their way to the transport, of which never much is held here.
-class Script {
-public:
-    explicit Script(ScriptedTransport& target) : transport(target) {
-        transport.receive(19).receive(20);
-    }
-
-    void add(const Piece& piece) {
-        std::string block = piece.text;
-        std::size_t inBlock = 1;
-        for (; block.size() < chunkSize && inBlock * 2 <= piece.times;
-             inBlock *= 2) {
-            block += block;
-        }
-        add(block, piece.times / inBlock);
-        add(piece.text, piece.times % inBlock);
-    }
-
-    void end() { transport.reply(bytes); }
-
-private:
-    void add(const std::string& text, std::size_t times) {
-        for (std::size_t time = 0; time < times; ++time) {
-            bytes += text;
-            std::size_t at = 0;
-            for (; bytes.size() - at >= chunkSize; at += chunkSize) {
-                transport.chunk(bytes.substr(at, chunkSize));
-            }
-            bytes.erase(0, at);
-        }
-    }
-
-    ScriptedTransport& transport;
-    std::string bytes;
-};
-
 void script(ScriptedTransport& transport, const std::vector<Piece>& pieces) {
-    Script script(transport);
-    for (const Piece& piece : pieces) {
-        script.add(piece);
-    }
-    script.end();
+    transport.receive(19).receive(20).replyFrom(
+        [stream = PieceStream(pieces)]() mutable { return stream.next(); });
 }
 
 // Of this process, in pages: the address space and what of it is in memory.
@@ -92,6 +53,13 @@ void limit(int resource, rlim_t value) {
         std::perror("setrlimit");
         std::_Exit(1);
     }
+}
+
+// What was needed before the reply comes hides nothing of what it takes: free
+// blocks go back to the kernel, and the peak of the process begins anew.
+void forgetThePeak() {
+    ::malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5";
 }
 
 double peakMebibytes() {
@@ -140,6 +108,7 @@ int play(const HostileReply& reply, bool guarded) {
     script(registration.platform.transport, reply.pieces);
 
     const auto held = LimitedMemory::instance().held();
+    forgetThePeak();
     const Pages before;
     const auto pageSize = static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -151,17 +120,14 @@ int play(const HostileReply& reply, bool guarded) {
     const Thrown thrown = registration.run();
     const std::clock_t end = std::clock();
 
-    long long accepted = 0;
-    for (const std::string& shared : registration.shared) {
-        accepted += static_cast<long long>(shared.size());
-    }
     std::ostringstream result;
     result << static_cast<double>(end - start) / CLOCKS_PER_SEC << " "
            << peakMebibytes() -
                   static_cast<double>(before.resident * pageSize >> 20)
            << " " << watch.files() << " " << watch.sockets() << " "
            << static_cast<long long>(LimitedMemory::instance().held() - held)
-           << " " << accepted << " " << thrown.type << "\n"
+           << " " << thrown.type << "\n"
+           << inWords(registration.shared) << "\n"
            << thrown.message;
     std::cout << result.str() << std::flush;
     std::_Exit(0);
@@ -181,8 +147,9 @@ HostileRun::HostileRun(const HostileReply& reply, bool guarded) {
     } else {
         std::istringstream output(child.output());
         output >> processorTime >> growth >> outcome.files >> outcome.sockets >>
-            loss >> identifierBytes >> type;
+            loss >> type;
         output.get();
+        std::getline(output, outcome.identifiers);
         std::getline(output, outcome.text, '\0');
     }
 }

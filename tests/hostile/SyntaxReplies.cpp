@@ -120,9 +120,9 @@ std::vector<HostileReply> syntaxReplies() {
         alike("CDataInCData", identifier("<![CDATA[<![CDATA[x]]>]]>"),
               fatal(1, 44, "']]>' sequence is not allowed in character data")),
         alike("TagInCData", identifier("<![CDATA[</sharedClients>]]>"),
-              accepted),
+              accepting({"</sharedClients>"})),
         alike("UnexpectedChild", "<r><other/></r>", unexpected("other")),
-        alike("ChildOfAnIdentifier", identifier("<r/>"), accepted),
+        alike("ChildOfAnIdentifier", identifier("<r/>"), accepting({""})),
 
         // Declarations and instructions.
         alike("DeclarationBehindASpace", " <?xml version='1.0'?><r/>",
