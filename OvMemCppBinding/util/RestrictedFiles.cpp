@@ -15,6 +15,11 @@ RestrictedFiles::RestrictedFiles(std::unique_ptr<xercesc::XMLFileMgr> wrapped,
 
 RestrictedFiles::~RestrictedFiles() = default;
 
+void RestrictedFiles::wrap(
+    std::unique_ptr<xercesc::XMLFileMgr> other) noexcept {
+    files = std::move(other);
+}
+
 auto RestrictedFiles::fileOpen(const XMLCh* path, bool toWrite, Memory* memory)
     -> Handle {
     return open(transcodeToString(path, false), toWrite, memory);

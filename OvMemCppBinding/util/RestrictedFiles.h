@@ -15,11 +15,15 @@ namespace Orvane::Net::OvModelEventManager::Util {
 // Threads: as the file access it wraps.
 class RestrictedFiles : public xercesc::XMLFileMgr {
 public:
-    // Takes over `files`. With an empty `folder` nothing may be opened; else
-    // it is an absolute path without links.
+    // Takes over `files`; without them it is not to be used before `wrap`. With
+    // an empty `folder` nothing may be opened; else it is an absolute path
+    // without links.
     RestrictedFiles(std::unique_ptr<xercesc::XMLFileMgr> files,
                     const std::string& folder);
     ~RestrictedFiles() override;
+
+    // Takes over other files.
+    void wrap(std::unique_ptr<xercesc::XMLFileMgr> other) noexcept;
 
     using Handle = xercesc::FileHandle;
     using Memory = xercesc::MemoryManager;

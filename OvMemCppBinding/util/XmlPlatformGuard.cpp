@@ -39,6 +39,8 @@ public:
 std::string realFolder(const std::string& folder) {
     std::error_code failed;
     const auto real = std::filesystem::canonical(folder, failed);
+    if (failed == std::errc::not_enough_memory)
+        throw std::bad_alloc();
     if (failed || !std::filesystem::is_directory(real, failed))
         throw DomException("XmlPlatformGuard: '" + folder +
                            "' is not a folder");
@@ -110,25 +112,30 @@ void closeNetwork() {
 }
 
 // The platform owns its file access, and ends it.
-void restrictFiles(const std::string& folder) {
-    std::unique_ptr<xercesc::XMLFileMgr> files(
-        std::exchange(XMLPlatformUtils::fgFileMgr, nullptr));
-    XMLPlatformUtils::fgFileMgr = new RestrictedFiles(std::move(files), folder);
+void restrictFiles(std::unique_ptr<RestrictedFiles> restricted) {
+    restricted->wrap(std::unique_ptr<xercesc::XMLFileMgr>(
+        std::exchange(XMLPlatformUtils::fgFileMgr, nullptr)));
+    XMLPlatformUtils::fgFileMgr = restricted.release();
 }
 
 }  // namespace
 
+// Nothing may fail once the platform has started: to end it the XML library
+// asks for memory, and without any ends the process.
 class XmlPlatformGuard::Platform {
 public:
     Platform(const std::string& folder, std::size_t memoryLimit)
-        : treeLimits(memoryLimit) {
+        : files(new (&LimitedMemory::instance())
+                    RestrictedFiles(nullptr, folder)),
+          treeLimits(memoryLimit) {
         closeNetwork();
-        restrictFiles(folder);
+        restrictFiles(std::move(files));
         LimitedMemory::instance().limitGrowth(memoryLimit);
     }
 
 private:
     DtdsOff dtdsOff;
+    std::unique_ptr<RestrictedFiles> files;  // until the platform owns it
     TreeLimits treeLimits;
     PlatformHold hold;
 };

@@ -38,8 +38,8 @@ public:
     // How often a start asks for memory when it is refused none.
     std::uint64_t positions() const;
 
-    // How often a start ended in which way: as it says itself, "panic" when the
-    // XML library ended the process with exit status 255, or "abort".
+    // How often a start ended in which way: as it says itself, or "panic" when
+    // the XML library ended the process with exit status 255.
     Outcomes refuseEach(bool andAllAfter) const;
 
     // Only the first and the last twenty, and in between one in `stride`.
