@@ -12,7 +12,8 @@ Entry = namedtuple("Entry", "name target command")
 
 # After all of the label unit. These look at the same from farther away.
 LAST = ["ovmem.faults.EndlessHandshake", "ovmem.faults.PlatformStart",
-        "ovmem.faults.FaultMatrix", "ovmem.lifetime.Orders", "ovmem.faults.HeapLoss",
+        "ovmem.faults.GuardedPlatformStart", "ovmem.faults.FaultMatrix",
+        "ovmem.lifetime.Orders", "ovmem.faults.HeapLoss",
         "ovmem.faults.AllocationSweep"]
 # Of the label unit, but about what the tests themselves are made of.
 OTHERS = ("ovmem.support.", "ovmem.wire.WirePlayer")
