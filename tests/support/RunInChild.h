@@ -10,13 +10,13 @@
 namespace OvMemTest {
 
 // Runs the rest of a test in a process of its own. The expectations inside
-// count as those of the test, as does its coming to an end within ten seconds.
+// count as those of the test, as does its coming to an end within a minute.
 inline void runInChild(const std::function<void()>& rest) {
     ChildProcess child([&rest] {
         rest();
         return ::testing::Test::HasFailure() ? 1 : 0;
     });
-    EXPECT_TRUE(child.awaitEnd(std::chrono::seconds(10))) << "still running";
+    EXPECT_TRUE(child.awaitEnd(std::chrono::minutes(1))) << "still running";
     child.kill();
     EXPECT_EQ(child.exitStatus(), 0) << child.output() << child.errors();
 }
