@@ -18,25 +18,26 @@ std::string namespaceByHand(const std::string& text) {
         while (at < text.size() && text[at] != '<')
             ++at;
     }
+    if (at >= text.size())
+        return std::string();
     std::string name;
-    std::size_t end = at + 1;
+    std::size_t end = ++at;
     while (end < text.size() && text[end] != ' ' && text[end] != '>')
         name += text[end++];
-    if (end >= text.size() || text[end] == '>')
+    if (end < text.size() && text[end] == '>')
         return std::string();
     const std::size_t colon = name.find(':');
     const std::string declaration =
-        colon == std::string::npos ? " xmlns=\""
-                                   : " xmlns:" + name.substr(0, colon) + "=\"";
+        colon == std::string::npos ? "xmlns=\""
+                                   : "xmlns:" + name.substr(0, colon) + "=\"";
     std::string uri;
-    for (; end < text.size(); ++end) {
-        if (text.compare(end, declaration.size(), declaration) == 0) {
-            for (end += declaration.size();
-                 end < text.size() && text[end] != '"'; ++end)
-                uri += text[end];
-            return uri;
-        }
-    }
+    while (at < text.size() &&
+           text.compare(at, declaration.size(), declaration) != 0)
+        ++at;
+    if (at < text.size())
+        at += declaration.size();
+    while (at < text.size() && text[at] != '"')
+        uri += text[at++];
     return uri;
 }
 
