@@ -116,6 +116,9 @@ def build_project(reader, document, block, program):
 def main(source, build, document, *options):
     with open(os.path.join(source, document), encoding="utf-8") as file:
         blocks = blocks_of(file.read())
+    if not blocks:
+        print(f"{document}: nothing to do")
+        return
     with tempfile.TemporaryDirectory() as folder:
         reader = Reader(source, folder)
         if options != ("--build",):
