@@ -19,7 +19,8 @@ LONGEST = "-/(536870912|400000)"
 
 
 def arguments():
-    parser = argparse.ArgumentParser(description=__doc__, prog="scripts/bench")
+    parser = argparse.ArgumentParser(description=__doc__, prog="scripts/bench",
+                                     allow_abbrev=False)
     parser.add_argument("--programs", required=True, help=argparse.SUPPRESS)
     parser.add_argument("--subject", action="append", choices=list(figures.SUBJECTS),
                         help="only this one; may be given again")
@@ -37,6 +38,7 @@ def arguments():
                         help="fail when a figure that must be reached is missed")
     parser.add_argument("--smoke", action="store_true",
                         help="run everything but the longest once, only for the checksums")
+    parser.add_argument("--check-arguments", action="store_true", help=argparse.SUPPRESS)
     return parser.parse_args()
 
 
@@ -83,6 +85,8 @@ def report(measured, rows, options):
 
 def main():
     options = arguments()
+    if options.check_arguments:
+        return 0
     if options.update:
         options.update = os.path.abspath(options.update)
     options.programs = os.path.abspath(options.programs)

@@ -60,6 +60,16 @@ expect_text "what only two scripts need: said" "scripts/bootstrap: installing \
 gcovr libclang-rt-14-dev" "$said"
 expect_text "what only two scripts need: status" "0" "$status"
 
+machine 0 "libgtest-dev" 0
+start build
+expect_text "what only the tests need: said" "" "$said"
+expect_text "what only the tests need: status and calls" "0" "$status$(cat "$calls")"
+
+machine 0 "cmake" 0
+start build
+expect_text "build, and cmake missing: said" "scripts/bootstrap: installing cmake" "$said"
+expect_text "build, and cmake missing: calls" "$installs" "$(cat "$calls")"
+
 machine 1000 "cmake" 0
 program sudo "echo sudo >>'$calls'; exec \"\$@\""
 start

@@ -72,9 +72,25 @@ TEST_F(KilledGetter, BetweenTheLastPieceAndTheEndLosesNothing) {
 }
 
 TEST_F(KilledGetter, InTheLibraryLosesNothing) {
-    EXPECT_EQ(runKilled(OVMEM_DIE_BEFORE_COMPLETE, {"plant", "valve"}),
+    EXPECT_EQ(runKilled(OVMEM_ACT_AT_COMPLETE,
+                        {"plant", "valve", "get", "die-before"}),
               (Outcome{-SIGKILL, "", ""}));
     EXPECT_EQ(eventsOf("valve"), sent);
+}
+
+TEST_F(KilledGetter, AfterTheExchangeIsCompleteLosesWhatItGot) {
+    EXPECT_EQ(runKilled(OVMEM_ACT_AT_COMPLETE,
+                        {"plant", "valve", "get", "die-after"}),
+              (Outcome{-SIGKILL, "", ""}));
+    EXPECT_EQ(eventsOf("valve"), "");
+}
+
+TEST_F(KilledGetter, WhoseExchangeCannotBeCompletedGetsTheSameAgain) {
+    EXPECT_EQ(
+        runKilled(OVMEM_ACT_AT_COMPLETE, {"plant", "valve", "get", "refuse"}),
+        (Outcome{0, sent, ""}));
+    EXPECT_EQ(eventsOf("valve"), sent);
+    EXPECT_EQ(eventsOf("valve"), "");
 }
 
 TEST_F(KilledGetter, LeavesWhatComesLaterInItsPlace) {
