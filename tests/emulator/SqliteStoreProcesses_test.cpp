@@ -196,24 +196,25 @@ TEST_F(SqliteStoreProcesses, ManyMayOpenTheSameNewFileAtTheSameMoment) {
                 ElementsAre("0", "1", "2", "3", "4", "5", "6", "7", "valve"));
 }
 
-TEST_F(SqliteStoreProcesses, TheGateOpensWhenItsHolderIsKilled) {
+TEST_F(SqliteStoreProcesses, TheGateIsShutUntilItsHolderIsKilled) {
     const std::string gate = folder.file("gate");
-    ChildProcess child([&gate] {
+    ChildProcess holder([&gate] {
         const GatePassage passage(gate);
         std::cout << "inside" << std::endl;
         waitToBeKilled();
         return 0;
     });
-    ASSERT_TRUE(child.awaitOutput("inside", 10s)) << child.errors();
-    std::atomic<bool> passed = false;
-    std::thread waiter([&] {
+    ASSERT_TRUE(holder.awaitOutput("inside", 10s)) << holder.errors();
+    ChildProcess waiter([&gate] {
+        std::cout << "waits" << std::endl;
         const GatePassage passage(gate);
-        passed = true;
+        std::cout << "passed" << std::endl;
+        return 0;
     });
-    EXPECT_FALSE(passed);
-    child.kill();
-    waiter.join();
-    EXPECT_TRUE(passed);
+    ASSERT_TRUE(waiter.awaitOutput("waits\n", 10s)) << waiter.errors();
+    EXPECT_FALSE(waiter.awaitOutput("passed", 300ms));
+    holder.kill();
+    EXPECT_TRUE(waiter.awaitOutput("passed", 10s)) << waiter.errors();
 }
 
 TEST_F(SqliteStoreProcesses, AForkedChildOpensTheStoreAnew) {
