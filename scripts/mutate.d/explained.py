@@ -1,4 +1,4 @@
-"""Changes of which it is known that nobody can observe them."""
+"""Changes of which it is known why no test notices them."""
 
 import os
 
@@ -20,7 +20,7 @@ def load(file=FILE, folder=""):
 
 
 def reason(reasons, change):
-    """Why nobody can observe the change; None if that is not known."""
+    """Why no test notices the change; None if that is not known."""
     return next((reasons[k] for k in _keys(change) if k in reasons), None)
 
 
