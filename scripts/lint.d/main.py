@@ -1,4 +1,4 @@
-"""Runs every check over a tree: main.py ROOT. Exits with 1 on a finding."""
+"""Runs the checks over a tree: main.py ROOT [--tidy]. Exits with 1 on a finding."""
 
 import sys
 
@@ -11,15 +11,17 @@ import links
 import references
 import scripts
 import test_names
+import tidy
 from tree import Tree
 
 CHECKS = [layout, references, headers, include_graph, links, scripts, test_names,
           documents, clang_format]
 
 
-def main(root):
+def main(root, with_tidy=False):
     tree = Tree(root)
-    findings = [f for check in CHECKS for f in check.check(tree)]
+    checks = CHECKS + ([tidy] if with_tidy else [])
+    findings = [f for check in checks for f in check.check(tree)]
     for path, line, text in sorted(findings):
         print(f"{path}:{line}: {text}" if line else f"{path}: {text}")
     if findings:
@@ -28,4 +30,4 @@ def main(root):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(sys.argv[1], "--tidy" in sys.argv[2:]))

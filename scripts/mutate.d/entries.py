@@ -10,11 +10,6 @@ from collections import namedtuple
 # `target` is the file to build, below the build folder.
 Entry = namedtuple("Entry", "name target command")
 
-# After all of the label unit. These look at the same from farther away.
-LAST = ["ovmem.faults.EndlessHandshake", "ovmem.faults.PlatformStart",
-        "ovmem.faults.GuardedPlatformStart", "ovmem.faults.FaultMatrix",
-        "ovmem.lifetime.Orders", "ovmem.faults.HeapLoss",
-        "ovmem.faults.AllocationSweep"]
 # Of the label unit, but about what the tests themselves are made of.
 OTHERS = ("ovmem.support.", "ovmem.wire.WirePlayer")
 
@@ -22,14 +17,15 @@ ADD_TEST = re.compile(r"^add_test\((?:\[=*\[)?([^\s\]]+)(?:\]=*\])? (.*)\)$", re
 ARGUMENT = re.compile(r'"([^"]*)"')
 
 
-def entries(build):
+def entries(build, part):
     listed = subprocess.run(["ctest", "--show-only=json-v1"], cwd=build, check=True,
                             stdout=subprocess.PIPE)
     commands = _commands(build)
     found = []
     for test in json.loads(listed.stdout)["tests"]:
         name = test["name"]
-        if not (name in LAST or "unit" in _labels(test)) or name.startswith(OTHERS):
+        wanted = name in part.last or set(part.labels) & set(_labels(test))
+        if not wanted or name.startswith(OTHERS):
             continue
         command = commands[name]
         if any(a.startswith("--gtest_filter") for a in command):
@@ -38,14 +34,14 @@ def entries(build):
     return found
 
 
-def ordered(entries_, path):
-    """Those of the class first, then those of its folder."""
-    _, folder, name = path.split("/")
+def ordered(entries_, path, part, seconds):
+    """Those of the class first, then those of its folder; of these the quick ones."""
+    *_, folder, name = path.split("/")
     stem = name.rsplit(".", 1)[0]
 
     def chance(entry):
-        if entry.name in LAST:
-            return 5 + LAST.index(entry.name)
+        if entry.name in part.last:
+            return 5 + part.last.index(entry.name)
         if entry.name.startswith("ovmem.wire."):
             return 4
         if entry.name.endswith("." + stem):
@@ -54,7 +50,7 @@ def ordered(entries_, path):
             return 1
         return 2 if entry.name.startswith(f"ovmem.{folder}.") else 3
 
-    return sorted(entries_, key=chance)
+    return sorted(entries_, key=lambda e: (chance(e), seconds[e.name]))
 
 
 def _commands(build):

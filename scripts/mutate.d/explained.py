@@ -1,12 +1,12 @@
-"""Changes of which it is known that nobody can observe them."""
+"""Changes of which it is known why no test notices them."""
 
 import os
 
 FILE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "explained.txt")
 
 
-def load(file=FILE):
-    """{(path, source line, old, new): reason}"""
+def load(file=FILE, folder=""):
+    """{(path, source line, old, new): reason}, of the paths in the folder"""
     with open(file, encoding="utf-8") as opened:
         lines = [l.rstrip() for l in opened if not l.startswith("#")]
     reasons = {}
@@ -16,11 +16,11 @@ def load(file=FILE):
             old, new = change.strip().split(" -> ")
             reasons[head.strip(), source.strip(), old, new] = \
                 " ".join(r.strip() for r in reason)
-    return reasons
+    return {key: why for key, why in reasons.items() if key[0].startswith(folder)}
 
 
 def reason(reasons, change):
-    """Why nobody can observe the change; None if that is not known."""
+    """Why no test notices the change; None if that is not known."""
     return next((reasons[k] for k in _keys(change) if k in reasons), None)
 
 

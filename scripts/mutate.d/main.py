@@ -1,7 +1,6 @@
-"""main.py N SEED: tries N changes of the library. Exits with 1 below 95 %."""
+"""main.py PART N SEED: tries N changes of it. Exits with 1 below 95 %."""
 
 import collections
-import glob
 import os
 import sys
 import threading
@@ -9,20 +8,12 @@ import time
 
 import draw
 import explained
+import parts
 from session import Session, described
 from worker import BaselineFailed, Worker
 
 ENOUGH = 95  # per cent
 KILLED = ("killed", "by time", "by memory")
-
-
-def sources():
-    paths = glob.glob("OvMemCppBinding/*/*.cpp") + glob.glob("OvMemCppBinding/*/*.h")
-    texts = {}
-    for path in paths:
-        with open(path, encoding="utf-8") as file:
-            texts[path] = file.read()
-    return texts
 
 
 def report(session, seconds):
@@ -50,10 +41,11 @@ def report(session, seconds):
     return percent
 
 
-def main(count, seed):
+def main(of, count, seed):
     start = time.monotonic()
-    texts = sources()
-    reasons = explained.load()
+    part = parts.PARTS[of]
+    texts = parts.sources(part)
+    reasons = explained.load(folder=part.folder + "/")
     for entry in explained.stale(reasons, draw.all_changes(texts)):
         print("scripts/mutate.d/explained.txt: matches no place any more:",
               " | ".join(entry))
@@ -61,7 +53,7 @@ def main(count, seed):
     root = os.getcwd()
     threads = []
     for number in range(1, (os.cpu_count() or 1) + 1):
-        worker = Worker(root, os.path.join(root, "build/mutate", str(number)))
+        worker = Worker(root, os.path.join(root, "build/mutate", str(number)), part)
         threads.append(threading.Thread(target=session.work, args=[worker], daemon=True))
         threads[-1].start()
     for thread in threads:
@@ -75,4 +67,4 @@ def main(count, seed):
 
 
 if __name__ == "__main__":
-    sys.exit(main(int(sys.argv[1]), int(sys.argv[2])))
+    sys.exit(main(sys.argv[1], int(sys.argv[2]), int(sys.argv[3])))

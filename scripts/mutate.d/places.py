@@ -84,7 +84,8 @@ def _numbers(text):
     if "." in digits:
         values = [str(float(digits) + 1), str(float(digits) - 1), "0.0"]
     else:
-        value = int(digits, 0)
+        octal = re.fullmatch("0[0-7]+", digits)
+        value = int(digits, 8 if octal else 0)
         values = [str(v) for v in (value + 1, value - 1, 0) if v != value and v >= 0]
         if value == 0:
             values.append("-1")

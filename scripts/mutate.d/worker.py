@@ -18,8 +18,9 @@ class BaselineFailed(Exception):
 
 
 class Worker:
-    def __init__(self, root, folder):
+    def __init__(self, root, folder, part):
         self.root = root
+        self.part = part
         self.tree = os.path.join(folder, "tree")
         self.build = os.path.join(folder, "build")
         self.original = os.path.join(folder, "original")
@@ -31,9 +32,10 @@ class Worker:
         copy_of_tree.update(self.root, self.tree)
         self._must(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build,
                     "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O0",
+                    "-DOVMEM_TEST_PRECOMPILE=ON",
                     "-DCMAKE_PROJECT_OvMemCppBinding_INCLUDE="
-                    f"{self.tree}/scripts/mutate.d/library_flags.cmake"])
-        self.entries = entries.entries(self.build)
+                    f"{self.tree}/scripts/mutate.d/flags.cmake"])
+        self.entries = entries.entries(self.build, self.part)
         self._must(["ninja", "-j1"] + sorted({e.target for e in self.entries}))
         self._note_dependencies()
         self._keep()
@@ -61,18 +63,18 @@ class Worker:
             self._restore()
 
     def _judge(self, path):
-        # A header first in the library, and in the tests only if that is needed
-        # to tell whether it makes a difference: mostly the first test notices.
+        # A header first in its part, and in the tests only if that is needed to
+        # tell whether it makes a difference: mostly the first test notices.
         objects = self.objects.get(path, [])
-        library = [o for o in objects if o.startswith("OvMemCppBinding/")]
-        for some in filter(None, (library, objects)):
+        product = [o for o in objects if o.startswith(self.part.folder + "/")]
+        for some in filter(None, (product, objects)):
             if not self._ninja(some):
                 return "not compiled", ""
             if not all(self._is_original(o) for o in some):
                 break
         else:
             return "same program", ""
-        for entry in entries.ordered(self.entries, path):
+        for entry in entries.ordered(self.entries, path, self.part, self.seconds):
             if not self._ninja([entry.target]):
                 return "not compiled", entry.name
             seconds = max(LEAST_SECONDS, TIMES_AS_LONG * self.seconds[entry.name])

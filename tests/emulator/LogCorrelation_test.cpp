@@ -1,5 +1,6 @@
 #include "OvMemCppBinding/platform/LogCorrelation.h"
 
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -74,18 +75,23 @@ TEST_F(LogCorrelationTest, AValueThatWasSetWinsUntilItIsCleared) {
     EXPECT_EQ(values(), (Values{"r1", "s1", "open"}));
 }
 
+// So long that a value read while it is written would be seen to be half of
+// each; the thread sanitizer watches, too.
 TEST_F(LogCorrelationTest, ThreadsSeeWholeValues) {
-    const std::string first(1000, 'a');
-    const std::string second(1000, 'b');
+    const std::string first(1 << 20, 'a');
+    const std::string second(1 << 20, 'b');
     LogCorrelationControl::setRequestID(first);
+    std::atomic<bool> stop = false;
     std::thread setter([&] {
-        for (int i = 0; i < 500; ++i) {
-            LogCorrelationControl::setRequestID(i % 2 ? first : second);
+        while (!stop) {
+            LogCorrelationControl::setRequestID(second);
+            LogCorrelationControl::setRequestID(first);
         }
     });
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 200; ++i) {
         const std::string value = LogCorrelation::get()->getRequestID();
         EXPECT_TRUE(value == first || value == second);
     }
+    stop = true;
     setter.join();
 }

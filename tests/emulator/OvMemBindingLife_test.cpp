@@ -1,4 +1,5 @@
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -235,6 +236,29 @@ TEST_F(OvMemBindingLife, AForkedChildGoesOnWithTheStartedTransport) {
     EXPECT_EQ(child.output(), sharedClients({"valve"}));
     EXPECT_EQ(request("getEvents", "plant", "valve").reply, "from the child");
     OvMem_Term();
+}
+
+TEST_F(OvMemBindingLife, AForkWhileAThreadStartsLeavesTheChildUsable) {
+    std::atomic<bool> stop = false;
+    std::thread starter([&stop] {
+        while (!stop) {
+            start();
+            OvMem_Term();
+        }
+    });
+    for (int i = 0; i < 20; ++i) {
+        ChildProcess child([] {
+            const bool started = start() == 0;
+            return started && OvMem_Term() == 0 ? 0 : 1;
+        });
+        EXPECT_TRUE(child.awaitEnd(10s)) << "child " << i;
+        EXPECT_EQ(child.exitStatus(), 0) << child.errors();
+        if (HasFailure()) {
+            break;
+        }
+    }
+    stop = true;
+    starter.join();
 }
 
 TEST_F(OvMemBindingLife, AStoreThatFailsLaterIsReported) {

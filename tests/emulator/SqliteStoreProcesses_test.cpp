@@ -1,6 +1,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -62,11 +63,48 @@ std::vector<int> firstNumbers(int count) {
     }
 }
 
+using StorePointer = std::unique_ptr<SqliteStore>;
+
 class SqliteStoreProcesses : public testing::Test {
 protected:
+    // That `step` ends in another process only once the gate is free; its store
+    // is open already or not.
+    void expectToWaitAtTheGate(bool open,
+                               const std::function<void(StorePointer&)>& step);
+
     OvMemTest::TemporaryFolder folder;
     const SqliteOptions options{folder.file("events.db")};
 };
+
+void SqliteStoreProcesses::expectToWaitAtTheGate(
+    bool open, const std::function<void(StorePointer&)>& step) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+        store.registerClient(valve);
+    }
+    auto turn = std::make_unique<GatePassage>(folder.file("turn"));
+    ChildProcess child([&, this] {
+        StorePointer store;
+        if (open) {
+            store = std::make_unique<SqliteStore>(options);
+        }
+        std::cout << "ready" << std::endl;
+        { const GatePassage wait(folder.file("turn")); }
+        std::cout << "begins" << std::endl;
+        step(store);
+        std::cout << "ends" << std::endl;
+        return 0;
+    });
+    ASSERT_TRUE(child.awaitOutput("ready", 10s)) << child.errors();
+    auto gate = std::make_unique<GatePassage>(options.path + ".gate");
+    turn.reset();
+    ASSERT_TRUE(child.awaitOutput("begins", 10s)) << child.errors();
+    EXPECT_FALSE(child.awaitOutput("ends", 300ms));
+    gate.reset();
+    EXPECT_TRUE(child.awaitOutput("ends", 10s)) << child.errors();
+    EXPECT_TRUE(child.awaitEnd(10s));
+}
 
 }  // namespace
 
@@ -196,27 +234,45 @@ TEST_F(SqliteStoreProcesses, ManyMayOpenTheSameNewFileAtTheSameMoment) {
                 ElementsAre("0", "1", "2", "3", "4", "5", "6", "7", "valve"));
 }
 
-TEST_F(SqliteStoreProcesses, TheGateOpensWhenItsHolderIsKilled) {
+TEST_F(SqliteStoreProcesses, TheGateIsShutUntilItsHolderIsKilled) {
     const std::string gate = folder.file("gate");
-    ChildProcess child([&gate] {
+    ChildProcess holder([&gate] {
         const GatePassage passage(gate);
         std::cout << "inside" << std::endl;
         waitToBeKilled();
         return 0;
     });
-    ASSERT_TRUE(child.awaitOutput("inside", 10s)) << child.errors();
-    std::atomic<bool> passed = false;
-    std::thread waiter([&] {
+    ASSERT_TRUE(holder.awaitOutput("inside", 10s)) << holder.errors();
+    ChildProcess waiter([&gate] {
+        std::cout << "waits" << std::endl;
         const GatePassage passage(gate);
-        passed = true;
+        std::cout << "passed" << std::endl;
+        return 0;
     });
-    EXPECT_FALSE(passed);
-    child.kill();
-    waiter.join();
-    EXPECT_TRUE(passed);
+    ASSERT_TRUE(waiter.awaitOutput("waits\n", 10s)) << waiter.errors();
+    EXPECT_FALSE(waiter.awaitOutput("passed", 300ms));
+    holder.kill();
+    EXPECT_TRUE(waiter.awaitOutput("passed", 10s)) << waiter.errors();
 }
 
-TEST_F(SqliteStoreProcesses, AForkedChildOpensTheStoreAnew) {
+TEST_F(SqliteStoreProcesses, AnOpeningWaitsAtTheGate) {
+    expectToWaitAtTheGate(false, [this](StorePointer& store) {
+        store = std::make_unique<SqliteStore>(options);
+    });
+}
+
+TEST_F(SqliteStoreProcesses, APutWaitsAtTheGate) {
+    expectToWaitAtTheGate(
+        true, [](StorePointer& store) { store->putEvents(pump, "pump:0;"); });
+    SqliteStore store(options);
+    EXPECT_EQ(take(store, valve), "pump:0;");
+}
+
+TEST_F(SqliteStoreProcesses, AClosingWaitsAtTheGate) {
+    expectToWaitAtTheGate(true, [](StorePointer& store) { store.reset(); });
+}
+
+TEST_F(SqliteStoreProcesses, AForkedChildPutsIntoTheStoreOfItsParent) {
     SqliteStore store(options);
     store.registerClient(pump);
     store.registerClient(valve);

@@ -11,6 +11,7 @@
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
 #include "tests/emulator/Environment.h"
+#include "tests/support/RunInChild.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
@@ -129,4 +130,18 @@ TEST(StoreUrl, AFolderThatCannotBeMadeIsReported) {
         "The folder '" + folder.file("file/sub") +
             "' of the event store cannot be made (Not a directory). Make it "
             "yourself, or set OVMEM_STORE to another place.");
+}
+
+TEST(StoreUrl, ARelativePathWithoutAWorkingDirectoryIsRefused) {
+    OvMemTest::runInChild([] {
+        const OvMemTest::TemporaryFolder folder;
+        std::filesystem::create_directory(folder.file("gone"));
+        std::filesystem::current_path(folder.file("gone"));
+        std::filesystem::remove(folder.file("gone"));
+        EXPECT_EQ(refusalOf("sqlite:events.db"),
+                  "The store URL 'sqlite:events.db' needs a working directory, "
+                  "and there is none. " +
+                      forms);
+        std::filesystem::current_path("/");
+    });
 }

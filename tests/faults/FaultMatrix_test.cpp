@@ -1,4 +1,5 @@
 #include <iostream>
+#include <optional>
 #include <string>
 
 #include <xercesc/util/PlatformUtils.hpp>
@@ -93,16 +94,19 @@ std::ostream& operator<<(std::ostream& stream,
 class FaultMatrix : public ScriptedPlatformTest,
                     public ::testing::WithParamInterface<FaultyOperation> {
 protected:
-    void run(const TransportFault& fault, const LastError& lastError);
+    void run(const std::optional<TransportFault>& fault,
+             const LastError& lastError);
 
     std::size_t ran = 0;
 };
 
 // Runs one case, and leaves its mark on the test.
-void FaultMatrix::run(const TransportFault& fault, const LastError& lastError) {
-    SCOPED_TRACE("status " + std::to_string(fault.status) + " at call " +
-                 std::to_string(fault.position) + ", last error " +
-                 std::to_string(lastError.status) + " " +
+void FaultMatrix::run(const std::optional<TransportFault>& fault,
+                      const LastError& lastError) {
+    SCOPED_TRACE((fault ? "status " + std::to_string(fault->status) +
+                              " at call " + std::to_string(fault->position)
+                        : "no fault") +
+                 ", last error " + std::to_string(lastError.status) + " " +
                  lastError.text.value_or("without a text"));
     const FaultyOperation& operation = GetParam();
     const Expectation expected = expectationOf(operation, fault, lastError);
@@ -123,6 +127,7 @@ TEST_P(FaultMatrix, WithoutAFaultTheOperationSucceeds) {
         expectationOf(GetParam(), {}, lastErrors().front());
     EXPECT_EQ(expected.thrown, nothingThrown);
     EXPECT_FALSE(expected.endlessStatus);
+    run({}, lastErrors().front());
 }
 
 TEST_P(FaultMatrix, EveryStatusAtEveryCallEndsAsTheRulesSay) {

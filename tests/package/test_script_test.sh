@@ -37,14 +37,14 @@ ctest --preset $1${2+ $2}"
 for script in scripts/test .ci/run; do
   start none $script
   expect_text "$script: steps" "bootstrap
-lint
+lint --tidy
 $(suite dev '-LE long')" "$said"
   expect_text "$script: status" 0 "$status"
 done
 
 start none scripts/test --all
 expect_text "--all: steps" "bootstrap bench coverage fuzz
-lint
+lint --tidy
 $(suite clang '-LE long')
 $(suite asan '-LE long')
 $(suite tsan '-LE long')
@@ -56,11 +56,11 @@ $(suite dev)" "$said"
 expect_text "--all: status" 0 "$status"
 
 start none scripts/test --no-bootstrap
-expect_text "--no-bootstrap: steps" "lint
+expect_text "--no-bootstrap: steps" "lint --tidy
 $(suite dev '-LE long')" "$said"
 expect_text "--no-bootstrap: status" 0 "$status"
 
-for step in bootstrap lint 'cmake --preset dev --log-level=WARNING' \
+for step in bootstrap 'lint --tidy' 'cmake --preset dev --log-level=WARNING' \
   'cmake --build --preset dev' 'ctest --preset dev -LE long'; do
   start "$step" scripts/test
   expect_text "when $step fails: last step" "$step" "$(tail -n 1 <<<"$said")"

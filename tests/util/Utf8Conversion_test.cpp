@@ -246,6 +246,15 @@ TEST(Utf8Conversion, ANulEndsThePieceOfItsPass) {
                     repeated((2 * (maxUnits - 2) + 2 - 30720) / 2, "\xC3\xA9"));
 }
 
+// From UTF-8 a step writes no more bytes than a pass has units.
+TEST(Utf8Conversion, ANulOnTheWayBackEndsThePieceOfItsStep) {
+    const ScriptedConverters converters("UTF-8");
+    const std::size_t accents = maxUnits - 2;
+    const std::size_t cut = (maxUnits - 2) / 2;
+    EXPECT_TRUE(fromUtf8("a\0"s + repeated(accents, "\xC3\xA9")) ==
+                "a" + repeated(accents - cut, "\xC3\xA9"));
+}
+
 // In a short text it would be replaced.
 TEST(Utf8Conversion, ABrokenEndBehindAllPassesIsDropped) {
     const ScriptedConverters converters("UTF-8");

@@ -164,6 +164,14 @@ TEST(XmlPlatformGuard, AnotherMayFollow) {
     });
 }
 
+TEST(XmlPlatformGuard, AnotherMayFollowWhateverTheLimitOfTheFirst) {
+    runInChild([] {
+        { const XmlPlatformGuard narrow(0); }
+        const XmlPlatformGuard guard;
+        EXPECT_EQ(parsing("<r/>"), nothingThrown);
+    });
+}
+
 TEST(XmlPlatformGuard, ConnectionsThatOutliveItKeepThePlatform) {
     runInChild([] {
         std::optional<XmlPlatformGuard> guard(std::in_place);

@@ -8,6 +8,7 @@ import unittest
 REPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)),
                       "../../../scripts/coverage.d/report.py")
 SOURCE = "int one() {\n    if (two())\n        three();\n    while (four() && five())\n}\n"
+OTHERS = "emulator/ lines: 0 of 0 (100.0 %)\ncli/ lines: 0 of 0 (100.0 %)\n"
 
 
 def line(number, count, **more):
@@ -29,21 +30,23 @@ class Report(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = folder.name
-        self.write("a.cpp", SOURCE)
+        for folder in ("OvMemCppBinding", "cli"):
+            os.mkdir(os.path.join(self.folder, folder))
+            self.write(folder + "/a.cpp", SOURCE)
 
     def write(self, name, text):
         with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
             file.write(text)
 
-    def report(self, lines, exceptions=""):
+    def report(self, lines, exceptions="", folder="OvMemCppBinding"):
         """The exit status, and what was printed."""
-        self.write("coverage.json", json.dumps({"files": [{"file": "a.cpp",
+        self.write("coverage.json", json.dumps({"files": [{"file": folder + "/a.cpp",
                                                            "lines": lines}]}))
         self.write("exceptions.txt", exceptions)
         done = subprocess.run([sys.executable, REPORT, "coverage.json", "exceptions.txt"],
                               cwd=self.folder, check=False, capture_output=True, text=True)
         self.assertEqual("", done.stderr)
-        return done.returncode, done.stdout
+        return done.returncode, done.stdout.replace(OTHERS, "")
 
     def test_all_run_is_all_there_is_to_say(self):
         self.assertEqual(
@@ -54,7 +57,7 @@ class Report(unittest.TestCase):
     def test_a_line_that_is_not_run_is_named(self):
         self.assertEqual(
             (1, "lines: 1 of 2 (50.0 %)\n"
-                "  a.cpp:3: three();\n"
+                "  OvMemCppBinding/a.cpp:3: three();\n"
                 "    NOT RUN: write its test, or its reason in exceptions.txt\n"
                 "decisions: 0 of 0 (100.0 %)\n"),
             self.report([line(1, 5), line(3, 0)]))
@@ -63,9 +66,9 @@ class Report(unittest.TestCase):
         self.assertEqual(
             (1, "lines: 2 of 2 (100.0 %)\n"
                 "decisions: 0 of 2 (0.0 %)\n"
-                "  a.cpp:2: if (two())\n"
+                "  OvMemCppBinding/a.cpp:2: if (two())\n"
                 "    NOT RUN: write its test, or its reason in exceptions.txt\n"
-                "  a.cpp:4: while (four() && five())\n"
+                "  OvMemCppBinding/a.cpp:4: while (four() && five())\n"
                 "    NOT RUN: write its test, or its reason in exceptions.txt\n"),
             self.report([line(2, 5, **conditional(5, 0)),
                          line(4, 1, **uncheckable(1, 0, 3))]))
@@ -78,17 +81,33 @@ class Report(unittest.TestCase):
     def test_a_reason_takes_the_place_of_a_test(self):
         self.assertEqual(
             (0, "lines: 0 of 1 (0.0 %)\n"
-                "  a.cpp:3: three();\n"
+                "  OvMemCppBinding/a.cpp:3: three();\n"
                 "    Needs the impossible, twice.\n"
                 "decisions: 0 of 0 (100.0 %)\n"),
-            self.report([line(3, 0)], "# Why\n\na.cpp\n    three();\n"
+            self.report([line(3, 0)], "# Why\n\nOvMemCppBinding/a.cpp\n    three();\n"
                                       "    Needs the impossible,\n    twice.\n"))
 
     def test_an_exception_that_is_none_is_to_go(self):
         self.assertEqual(
             (1, "lines: 1 of 1 (100.0 %)\ndecisions: 0 of 0 (100.0 %)\n"
-                "exceptions.txt: 'three();' of a.cpp is run; take it out\n"),
-            self.report([line(3, 1)], "a.cpp\n    three();\n    Reason.\n"))
+                "exceptions.txt: 'three();' of OvMemCppBinding/a.cpp is run; take it out\n"),
+            self.report([line(3, 1)], "OvMemCppBinding/a.cpp\n    three();\n    Reason.\n"))
+
+    def test_of_the_tool_most_lines_are_enough_and_decisions_do_not_count(self):
+        library = "lines: 0 of 0 (100.0 %)\ndecisions: 0 of 0 (100.0 %)\n"
+        many = [line(1, 5, **conditional(1, 0))] * 97
+        self.assertEqual(
+            (0, library + "emulator/ lines: 0 of 0 (100.0 %)\n"
+                "cli/ lines: 98 of 99 (99.0 %)\n"
+                "  cli/a.cpp:3: three();\n"),
+            self.report([*many, line(2, 1), line(3, 0)], folder="cli"))
+        self.assertEqual(
+            (1, library + "emulator/ lines: 0 of 0 (100.0 %)\n"
+                "cli/ lines: 40 of 42 (95.2 %)\n"
+                "  cli/a.cpp:2: if (two())\n"
+                "  cli/a.cpp:3: three();\n"
+                "  TOO FEW: at least 98 % are wanted; write their tests\n"),
+            self.report([*many[:40], line(2, 0), line(3, 0)], folder="cli"))
 
 
 if __name__ == "__main__":

@@ -4,6 +4,7 @@ import unittest
 
 import scripts  # noqa: F401  (for the path)
 from entries import Entry, entries, ordered
+from parts import PARTS
 
 LISTED = """
 add_test([=[ovmem.util.A]=] "{build}/bin/a" "--gtest_filter=A.*:A/*" "--gtest_brief=0")
@@ -20,7 +21,7 @@ set_tests_properties(ovmem.faults.FaultMatrix PROPERTIES LABELS "faults")
 
 
 class EntriesTest(unittest.TestCase):
-    def test_they_are_those_of_the_label_and_some_more_built_or_not(self):
+    def test_they_are_those_of_the_parts_labels_and_some_more_built_or_not(self):
         with tempfile.TemporaryDirectory() as build:
             with open(os.path.join(build, "CTestTestfile.cmake"), "w",
                       encoding="utf-8") as file:
@@ -33,16 +34,28 @@ class EntriesTest(unittest.TestCase):
                  Entry("ovmem.wire.d", "bin/play", [f"{build}/bin/play", "/cases/d.txt"]),
                  Entry("ovmem.faults.FaultMatrix", "bin/f",
                        [f"{build}/bin/f", "--gtest_filter=F.*", *quick])],
-                entries(build))
+                entries(build, PARTS["library"]))
+            self.assertEqual([Entry("ovmem.cli.B", "bin/b", [f"{build}/bin/b"])],
+                             entries(build, PARTS["cli"]))
 
 
 class OrderTest(unittest.TestCase):
     def test_those_of_the_class_come_first_and_the_slow_ones_last(self):
         names = ["faults.FaultMatrix", "wire.a", "client.B", "util.C", "util.AndMore",
                  "util.And"]
-        found = ordered([Entry("ovmem." + n, "", []) for n in names],
-                        "OvMemCppBinding/util/And.cpp")
-        self.assertEqual(list(reversed(names)), [e.name[6:] for e in found])
+        found = self.order(names, "OvMemCppBinding/util/And.cpp", "library")
+        self.assertEqual(list(reversed(names)), found)
+
+    def test_of_the_same_chances_the_quick_one_comes_first(self):
+        self.assertEqual(["cli.A", "cli.B", "cli.C"],
+                         self.order(["cli.C", "cli.B", "cli.A"], "cli/A.h", "cli"))
+
+    @staticmethod
+    def order(names, path, part):
+        """The names as they are run, when each takes longer than the one behind it."""
+        found = [Entry("ovmem." + n, "", []) for n in names]
+        seconds = {e.name: -place for place, e in enumerate(found)}
+        return [e.name[6:] for e in ordered(found, path, PARTS[part], seconds)]
 
 
 if __name__ == "__main__":

@@ -32,6 +32,7 @@ class PlacesTest(unittest.TestCase):
     def test_numbers_go_up_and_down_and_to_zero(self):
         self.expect([("number", "20u", ["21u", "19u", "0u"])], "auto a = 20u;\n")
         self.expect([("number", "0x10", ["17", "15", "0"])], "auto a = 0x10;\n")
+        self.expect([("number", "0666", ["439", "437", "0"])], "auto a = 0666;\n")
         self.expect([("number", "1", ["2", "0"])], "auto a = 1;\n")
         self.expect([("number", "0", ["1", "-1"])], "auto a = 0;\n")
         self.expect([("number", "1.5", ["2.5", "0.5", "0.0"])], "auto a = 1.5;\n")

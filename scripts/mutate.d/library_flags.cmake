@@ -1,8 +1,0 @@
-# Included with project(): optimises the library only, so that changes which
-# mean the same become the same object, and the tests are quick to build.
-function(ovmem_optimise_library)
-  foreach(target IN ITEMS OvMemCppBindingData OvMemCppBindingClient)
-    target_compile_options(${target} PRIVATE -O1)
-  endforeach()
-endfunction()
-cmake_language(DEFER CALL ovmem_optimise_library)

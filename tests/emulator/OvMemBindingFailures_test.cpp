@@ -1,0 +1,72 @@
+#include <cstdlib>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "OvMemCppBinding/platform/OvMemBinding.h"
+#include "tests/emulator/Environment.h"
+#include "tests/emulator/Wire.h"
+
+using namespace OvMemTest;
+
+// What the emulator did not foresee, here exceptions of the host's heap, never
+// leaves through the C functions.
+
+namespace {
+
+std::function<void()> failure;
+
+void* allocate(std::size_t size) {
+    if (failure) {
+        failure();
+    }
+    return std::malloc(size);
+}
+
+class OvMemBindingFailures : public testing::Test {
+protected:
+    OvMemBindingFailures() {
+        environment.set("OVMEM_STORE", "memory:");
+        EXPECT_EQ(OvMem_Init(&allocate, &std::free), 0);
+    }
+    ~OvMemBindingFailures() override {
+        failure = nullptr;
+        EXPECT_EQ(OvMem_Term(), 0);
+    }
+
+    // A status check under which the heap fails once, and one after it.
+    static void expectFailure(const std::function<void()>& thrown,
+                              const std::string& text) {
+        failure = thrown;
+        EXPECT_EQ(OvMem_SendNoAck("Half a header"), -3010);
+        failure = nullptr;
+        EXPECT_EQ(lastError(), text);
+        EXPECT_EQ(request("getStatus", "", "", "echo").reply, "echo");
+    }
+
+private:
+    Environment environment;
+};
+
+}  // namespace
+
+TEST_F(OvMemBindingFailures, AnUnforeseenExceptionBecomesAStatusAndItsText) {
+    expectFailure([] { throw std::runtime_error("the heap is closed"); },
+                  "the heap is closed");
+}
+
+TEST_F(OvMemBindingFailures, SoDoesAnythingElseThatIsThrown) {
+    expectFailure([] { throw 42; },
+                  "The emulator failed for a reason that it does not know. "
+                  "Repeat the call, and report it if it fails again.");
+}
+
+TEST_F(OvMemBindingFailures, ATextThatTheHeapHasNoRoomForIsAFailure) {
+    EXPECT_EQ(OvMem_SendEOF(), -3016);
+    failure = [] { throw std::runtime_error("the heap is closed"); };
+    const char* text = "old";
+    EXPECT_EQ(OvMem_GetLastError(&text), -3010);
+    EXPECT_EQ(text, nullptr);
+}
