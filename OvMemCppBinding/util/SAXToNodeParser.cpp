@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <new>
 #include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -223,6 +224,11 @@ std::string transcodeToString(const XMLCh* source, bool replaceSub) {
         xercesc::XMLString::transcode(source,
                                       XMLPlatformUtils::fgMemoryManager));
     char* const text = transcoded.get();
+    // What the code page lacks is substituted, so that a conversion can fail
+    // only for want of memory, or on a text that is too long for the XML
+    // library's arithmetic.
+    if (text == nullptr)
+        throw std::bad_alloc();
     const std::size_t length = std::strlen(text);
     if (replaceSub)
         std::replace(text, text + length, substituteCharacter, '?');
