@@ -1,6 +1,7 @@
 #include "cli/ErrorReport.h"
 
 #include <cctype>
+#include <memory>
 #include <utility>
 
 #include <OvMemCppBinding/client/CurrentException.h>
@@ -23,8 +24,7 @@ std::string sentence(std::string words) {
     return words;
 }
 
-// What the library says, and an exit code for it. The text is a copy: an
-// exception that was thrown as a pointer is deleted by being described.
+// What the library says, and an exit code for it.
 ErrorReport reportKnown(ExitCode exitCode, const std::string& className,
                         std::optional<int> type, std::string text) {
     const std::string words = Client::describeCurrentException();
@@ -83,8 +83,10 @@ ErrorReport reportCurrentException() {
         return reportClient(ExitCode::ProtocolException,
                             "OvMEMProtocolException", exception);
     } catch (const Client::OvMEMProtocolException* exception) {
+        const std::unique_ptr<const Client::OvMEMProtocolException> owner(
+            exception);
         return reportClient(ExitCode::ProtocolException,
-                            "OvMEMProtocolException", *exception);
+                            "OvMEMProtocolException", *owner);
     } catch (const Client::OvMEMRuntimeException& exception) {
         return reportClient(ExitCode::RuntimeException, "OvMEMRuntimeException",
                             exception);

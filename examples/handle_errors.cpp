@@ -1,5 +1,6 @@
-// Every class of exception, in the order in which to catch them; a program that
-// only wants to tell its user has enough with the last handler.
+// Every class of exception, in the order in which to catch them. A program that
+// only wants to tell its user, and then ends, has enough with the last handler;
+// one that goes on also needs that of the pointer, which it deletes.
 
 #include <clocale>
 #include <iostream>
@@ -32,11 +33,11 @@ void attempt(const char* name, Operation operation) {
     } catch (const OvMEMConnectionException& e) {
         tell("try again later", e);
     } catch (const OvMEMProtocolException& e) {
-        tell("mend the request", e);
+        tell("fix the request", e);
     } catch (OvMEMProtocolException* e) {
         // getSharedClients throws a pointer, which is ours to delete.
         const std::unique_ptr<OvMEMProtocolException> owner(e);
-        tell("mend the request, by pointer", *e);
+        tell("fix the request, by pointer", *e);
     } catch (const OvMEMRuntimeException& e) {
         tell("look at the platform", e);
     } catch (const OvMEMUnrecognisedException& e) {

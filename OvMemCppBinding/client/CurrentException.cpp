@@ -1,8 +1,6 @@
 #include "OvMemCppBinding/client/CurrentException.h"
 
-#include <cstring>
 #include <exception>
-#include <memory>
 #include <new>
 
 #include <xercesc/sax/SAXException.hpp>
@@ -84,7 +82,7 @@ std::string describeProtocol(const char* name,
     }
     return describeClient(
         name, exception,
-        "mend what was asked for; the same request will fail again.");
+        "fix what was asked for; the same request will fail again.");
 }
 
 std::string describeDom(const std::string& text) {
@@ -95,14 +93,11 @@ std::string describeDom(const std::string& text) {
     return describe("DomException", text, wrongReply);
 }
 
-// A handler is given a copy of a thrown pointer. The pointer itself is in the
-// exception object, to which a std::exception_ptr points and nothing else.
-void*& thrownPointer() {
-    const std::exception_ptr current = std::current_exception();
-    void** object = nullptr;
-    static_assert(sizeof object == sizeof current);
-    std::memcpy(&object, &current, sizeof object);
-    return *object;
+// Whoever catches the pointer owns the object; to describe it is no catch.
+std::string describePointer(const OvMEMProtocolException* exception) {
+    constexpr const char* name = "OvMEMProtocolException*";
+    return exception == nullptr ? describe(name, "null", lookAtProgram)
+                                : describeProtocol(name, *exception);
 }
 
 // Without the XML library: it may have no memory, or have ended.
@@ -122,15 +117,8 @@ std::string describeBeingHandled() {
             "check that the service can be reached, then try again.");
     } catch (const OvMEMProtocolException& exception) {
         return describeProtocol("OvMEMProtocolException", exception);
-    } catch (OvMEMProtocolException* exception) {
-        const std::unique_ptr<OvMEMProtocolException> owner(exception);
-        thrownPointer() = nullptr;
-        if (!owner) {
-            return describe("OvMEMProtocolException*",
-                            "described and deleted before",
-                            "look for the earlier description.");
-        }
-        return describeProtocol("OvMEMProtocolException*", *owner);
+    } catch (const OvMEMProtocolException* exception) {
+        return describePointer(exception);
     } catch (const OvMEMRuntimeException& exception) {
         return describeClient("OvMEMRuntimeException", exception,
                               lookAtPlatform);

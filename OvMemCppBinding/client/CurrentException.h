@@ -23,16 +23,25 @@ namespace Client {
 //     What to do: check that the service can be reached, then try again.
 //
 // The text of the exception may have several lines; what to do is the last. In
-// texts of the XML library, '?' stands for what is not ASCII. Outside a handler
-// the answer is "No exception is being handled.".
+// the texts of the XML library's own exceptions, "xercesc::...", '?' stands for
+// each UTF-16 unit that is not ASCII; every other text is given as it is.
+// Outside a handler the answer is "No exception is being handled.".
 //
-// Ownership: deletes the exception that getSharedClients throws by pointer
-// (docs/irregularities.md#pointer-throw), and any other OvMEMProtocolException
-// that was thrown so; it must come from new. A null pointer takes its place for
-// whoever catches it after this call. A handler that has taken the pointer
-// before the call must not delete it afterwards.
+// Ownership: only looks. The OvMEMProtocolException that getSharedClients
+// throws by pointer (docs/irregularities.md#pointer-throw) belongs, before this
+// call and after it, to whoever catches the pointer, who deletes it:
 //
-// THROWS: std::bad_alloc. Threads: any.
+//     } catch (OvMEMProtocolException* pointer) {
+//         std::cerr << describeCurrentException() << "\n";
+//         delete pointer;
+//     } catch (...) {
+//
+// A catch (...) cannot delete it. At the end of main that does no harm: the
+// process loses one small object as it ends. Elsewhere each such exception
+// costs its object.
+//
+// THROWS: std::bad_alloc. Threads: any; one exception may be described as often
+// as you like, also on several threads at once, until it is deleted.
 OVMEM_EXPORT std::string describeCurrentException();
 
 }  // namespace Client

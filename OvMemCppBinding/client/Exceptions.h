@@ -20,17 +20,19 @@
 // What it carries. A type code and a text. The code is 0 but for two cases:
 // -1 for a failed status check and -2 for an operation that needs a
 // registered client. The status of the transport chooses the class and is
-// never the code. Every text is listed in docs/errors.md.
+// never the code. The text is the transport's, or one of those in
+// docs/errors.md.
 //
-// Irregular, on purpose. OvMEMConnection::getSharedClients throws a pointer
-// that the catcher deletes (docs/irregularities.md#pointer-throw), and
-// unregisterClient throws every failure as a plain Exception
+// Irregular, on purpose. Without a registered client,
+// OvMEMConnection::getSharedClients throws a pointer that the catcher deletes
+// (docs/irregularities.md#pointer-throw), and unregisterClient throws the
+// client exceptions as a plain Exception
 // (docs/irregularities.md#plain-exception).
 //
 // What it is not. No class has a virtual function and none derives from
-// std::exception; the interface is fixed so. Never delete through a pointer
-// to a base class, except the pointer named above when its static type is its
-// own class.
+// std::exception; the interface is fixed so. Catch that pointer as an
+// OvMEMProtocolException* and delete it as such, never through a pointer to a
+// base class.
 //
 // Threads: plain values that share nothing.
 //
@@ -61,7 +63,7 @@ public:
 private:
     int reserved;         // copied, never read: keeps the layout
     int type;             // 0 unless a constructor received one
-    std::string message;  // unchanged since construction
+    std::string message;  // as a constructor received it
 };
 
 // The constructors of the classes below are declared one by one, not
@@ -78,7 +80,8 @@ public:
 };
 
 // Thrown when the service cannot be reached or a connection to it broke, and
-// by getStatus for every failure. The caller can try again later.
+// by getStatus in place of every client exception. The caller can try again
+// later.
 class OVMEM_EXPORT OvMEMConnectionException : public OvMEMException {
 public:
     OvMEMConnectionException(int type, const std::string& message);
@@ -90,7 +93,9 @@ public:
 
 // Thrown when a request was not accepted as it stands, or could not be formed:
 // for instance by an operation that needs a registered client. The caller can
-// mend the request; sending it again unchanged will fail again.
+// fix the request, or register again; as things are, it will fail again. Also
+// thrown for a transport that writes past its buffer, which nobody can fix from
+// within the process.
 class OVMEM_EXPORT OvMEMProtocolException : public OvMEMException {
 public:
     OvMEMProtocolException(int type, const std::string& message);
@@ -111,8 +116,8 @@ public:
     ~OvMEMRuntimeException();
 };
 
-// Thrown for a transport status that the client does not know. The caller can
-// report the text; it is the transport's own.
+// Thrown for a transport status that is not in the table of docs/errors.md.
+// The caller can report the text; it is the transport's own.
 class OVMEM_EXPORT OvMEMUnrecognisedException : public OvMEMException {
 public:
     OvMEMUnrecognisedException(int type, const std::string& message);

@@ -27,12 +27,26 @@ class OvMEMRequest;
 //     connection.getEvents(events, shared, correlation);
 //     connection.unregisterClient(shared);
 //
-// Ownership: the connection keeps copies of its identity and nothing else of
-// the caller's. Results are written into the caller's objects.
+// Ownership: the connection keeps copies of its identity and its locale, and
+// nothing else of the caller's. Results are written into the caller's objects.
+// What is only read is taken by non-const reference all the same, and stays as
+// it was: `serverId`, `clientId`, `locale`, `logCorrelationId`, and the
+// `events` of putEvents.
 //
 // Threads: none of it is locked. Use a connection on one thread at a time, and
 // do not construct or destroy connections while another thread constructs,
 // destroys or uses one: they share the XML parser platform of the process.
+// Whether two connections may be used on two threads at once is up to the
+// transport, which they share too; the emulator's keeps one exchange a thread.
+//
+// THROWS: from every operation, beside what stands there,
+//   - the client exceptions of Exceptions.h, by value, where the transport,
+//     the service or the conversion of the headers fails;
+//   - DomException for a reply that is not the expected XML; by then the
+//     service has carried the request out (getStatus reads no XML);
+//   - std::bad_alloc and the XML library's own exceptions for want of memory.
+// docs/errors.md lists them with their texts. After any of them the connection
+// can be used again.
 //
 // THROWS: the family of Exceptions.h, and util/DomException for a reply that
 // is not the expected XML; docs/errors.md lists every text. A failed operation
@@ -41,14 +55,19 @@ class OVMEM_EXPORT OvMEMConnection {
 public:
     // Construction and copying.
     //
-    // The constructor starts the XML parser platform unless it runs already;
-    // it does not touch the transport. The first connection destroyed ends
-    // the platform, also under the connections still alive, whose replies can
-    // then not be read until another connection is constructed
-    // (docs/irregularities.md#first-destroyed-ends-the-platform).
+    // The constructor starts the XML parser platform unless a connection has
+    // done so already; it does not touch the transport. The first connection
+    // destroyed ends what a connection started, also under the connections
+    // still alive, whose replies can then not be read until another connection
+    // is constructed, unless an XmlPlatformGuard or the application itself
+    // holds the platform
+    // (docs/irregularities.md#first-destroyed-ends-the-platform). A platform
+    // that has no memory to start throws the XML library's own exceptions, or
+    // ends the process (docs/errors.md#from-below).
     //
-    // A copy has the same identity and takes the transport for started if its
-    // source did. The destructor does not end the transport.
+    // A copy has the same identity and locale, takes the transport for started
+    // if its source did, and starts nothing. The destructor does not end the
+    // transport.
 
     OvMEMConnection();
     OvMEMConnection(const OvMEMConnection& other);
@@ -58,17 +77,20 @@ public:
     // Registration.
     //
     // Each operation appends the identifiers of the other clients that share
-    // the events to `sharedClients`; what the vector held stays in front.
+    // the events, as the service lists them, to `sharedClients`; what the
+    // vector held stays in front. An operation that throws appends nothing.
 
     // Stores the identity, then registers it with the service. An empty
-    // `locale` is not sent. The identity stays stored when the service
-    // refuses it (docs/irregularities.md#identity-before-acceptance).
+    // `locale` is not sent. The identity stays stored when the operation
+    // throws (docs/irregularities.md#identity-before-acceptance).
     void registerClient(std::string& serverId, std::string& clientId,
                         std::string& locale,
                         std::vector<std::string>& sharedClients);
 
-    // Unregisters and forgets the server and client identity, whether the
-    // service agreed or not.
+    // Unregisters and forgets the server and client identity, also when a
+    // client exception says that the service was not reached or did not agree.
+    // Any other exception leaves it stored, a DomException too, although the
+    // service has then carried the request out. The locale stays in any case.
     //
     // THROWS: client exceptions as a plain Exception that keeps type code and
     // message (docs/irregularities.md#plain-exception).
@@ -91,14 +113,17 @@ public:
 
     // Replaces `events` by what the service holds for this client, empty if
     // nothing, and then `sharedClients` by the clients that share the events
-    // now. When the second step fails, `events` is already new and
-    // `sharedClients` is empty.
+    // now. The events are handed out once: the service may forget them as soon
+    // as they are in `events`. When the second step fails, `events` is already
+    // new and `sharedClients` is empty; look at `events` also after an
+    // exception (docs/irregularities.md#two-exchanges).
     void getEvents(std::string& events, std::vector<std::string>& sharedClients,
                    std::string& logCorrelationId);
 
     // Hands `events` to the service and appends the clients that share them
-    // to `sharedClients`. The transport carries texts: a NUL byte ends the
-    // piece of `events` in which it stands
+    // to `sharedClients`. After a DomException the service has the events;
+    // after another exception it may have them. The transport carries texts: a
+    // NUL byte ends the piece of `events` in which it stands
     // (docs/irregularities.md#nul-cuts-the-text).
     void putEvents(std::string& events, std::vector<std::string>& sharedClients,
                    std::string& logCorrelationId);

@@ -1,6 +1,7 @@
 #include "OvMemCppBinding/client/OvMEMRequest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <thread>
 
@@ -15,6 +16,11 @@
 namespace Orvane::Net::OvModelEventManager::Client {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds firstWait = 1ms;
+constexpr std::chrono::milliseconds longestWait = 1s;
 
 const char* orEmpty(const char* text) {
     return text == nullptr ? "" : text;
@@ -150,16 +156,20 @@ void OvMEMRequest::requireStream() const {
 
 // Deliberate: on a positive status that is neither 19 nor 20 the handshake
 // never ends. See docs/irregularities.md#endless-handshake. The volatile keeps
-// that loop well defined, the yield keeps it from burning a core.
+// that loop well defined; the sleeps, each twice as long as the one before it,
+// keep it from taking the processor time of others.
 int OvMEMRequest::streamRequest() {
     requireStream();
     sendHeaders();
+    std::chrono::milliseconds wait = firstWait;
     volatile int status = OvMem_Receive(receiveBuffer.get());
     while (status > 0 && status != WireFormat::statusSendNoBody) {
-        if (status == WireFormat::statusSendBody)
+        if (status == WireFormat::statusSendBody) {
             status = sendStream();
-        else
-            std::this_thread::yield();
+        } else {
+            std::this_thread::sleep_for(wait);
+            wait = std::min(2 * wait, longestWait);
+        }
     }
     return status;
 }

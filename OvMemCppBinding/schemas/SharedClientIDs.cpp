@@ -1,6 +1,7 @@
 #include "OvMemCppBinding/schemas/SharedClientIDs.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "OvMemCppBinding/util/DomException.h"
@@ -88,6 +89,9 @@ void SharedClientIDs::outputXML(XmlStream& stream,
     for (const std::string& id : sharedClients)
         stream << opening << escape(id) << closing;
     stream << stream.endElement(namespaceURI, elementName);
+    // Without memory a stream says nothing and cuts the text short.
+    if (!stream.good())
+        throw std::bad_alloc();
 }
 
 void SharedClientIDs::parse(const XMLNode& node) {

@@ -72,6 +72,10 @@ public:
     // document that did not declare the schema namespace the children are
     // written as "<:sharedClients>"
     // (docs/irregularities.md#colon-without-prefix).
+    //
+    // THROWS: std::bad_alloc when the stream does not take the whole text, for
+    // want of memory or because it was not good() before. It may then hold a
+    // part of it.
     void outputXML(Net::OvModelEventManager::Util::XmlStream& stream,
                    const std::string& elementName) const;
 

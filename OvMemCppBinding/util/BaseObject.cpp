@@ -1,5 +1,7 @@
 #include "OvMemCppBinding/util/BaseObject.h"
 
+#include <new>
+
 #include "OvMemCppBinding/util/XmlStream.h"
 
 namespace Orvane::Net::OvModelEventManager::Util {
@@ -55,6 +57,9 @@ bool BaseObject::outputXMLBase(XmlStream& stream,
         stream.addNamespaces(namespaces);
     }
     stream << stream.startElement(namespaceURI, elementName);
+    // Without memory a stream says nothing and cuts the text short.
+    if (!stream.good())
+        throw std::bad_alloc();
     return first;
 }
 

@@ -75,6 +75,9 @@ protected:
     // If it is the first of the document, makes the object's namespaces known
     // to the stream before. True if it was the first. `callerName` is not
     // used.
+    //
+    // THROWS: std::bad_alloc when the stream does not take the whole text, for
+    // want of memory or because it was not good() before.
     bool outputXMLBase(XmlStream& stream, const std::string& elementName,
                        const char* callerName) const;
 

@@ -7,7 +7,7 @@ namespace Orvane::Net::OvModelEventManager::Util {
 std::string composeParseReport(const char* prefix,
                                const xercesc::SAXParseException& exception,
                                const std::string& documentName,
-                               const char* documentText) {
+                               bool announceDocument) {
     const std::string systemId =
         transcodeToString(exception.getSystemId(), true);
     if (systemId.empty())
@@ -20,8 +20,8 @@ std::string composeParseReport(const char* prefix,
     const std::string message = transcodeToString(exception.getMessage(), true);
     if (!message.empty())
         report += "Message: " + message + "\n";
-    if (documentText != nullptr)
-        report.append("XML Document:\n").append(documentText);
+    if (announceDocument)
+        report += "XML Document:\n";
     return report;
 }
 

@@ -11,11 +11,12 @@ namespace Orvane::Net::OvModelEventManager::Util {
 // XML library what.
 //
 // `prefix` begins the report. `documentName` names a document that could not
-// be opened at all. `documentText` is appended whole unless it is null.
+// be opened at all. With `announceDocument` the report ends with the line that
+// stands before a copy of the document; the copy is left to the caller.
 std::string composeParseReport(const char* prefix,
                                const xercesc::SAXParseException& exception,
                                const std::string& documentName,
-                               const char* documentText);
+                               bool announceDocument);
 
 }  // namespace Orvane::Net::OvModelEventManager::Util
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <new>
 #include <utility>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -197,20 +198,23 @@ void SAXToNodeParser::startElement(const XMLCh* uri, const XMLCh* localname,
 }
 
 // Deliberate: a warning is composed and dropped.
-// See docs/irregularities.md#warnings-are-dropped.
+// See docs/irregularities.md#warnings-are-dropped. The document would end the
+// report. Nobody could see it there, and a copy of it for each of its warnings
+// would take time that grows with the square of its length.
 void SAXToNodeParser::warning(const xercesc::SAXParseException& exception) {
     static_cast<void>(composeParseReport("Warning: parsing: ", exception,
-                                         documentName, documentText));
+                                         documentName,
+                                         documentText != nullptr));
 }
 
 void SAXToNodeParser::error(const xercesc::SAXParseException& exception) {
-    throw DomException(composeParseReport("Error: parsing: ", exception,
-                                          documentName, nullptr));
+    throw DomException(
+        composeParseReport("Error: parsing: ", exception, documentName, false));
 }
 
 void SAXToNodeParser::fatalError(const xercesc::SAXParseException& exception) {
     throw DomException(composeParseReport("Fatal Error: parsing: ", exception,
-                                          documentName, nullptr));
+                                          documentName, false));
 }
 
 std::string transcodeToString(const XMLCh* source, bool replaceSub) {
@@ -220,6 +224,11 @@ std::string transcodeToString(const XMLCh* source, bool replaceSub) {
         xercesc::XMLString::transcode(source,
                                       XMLPlatformUtils::fgMemoryManager));
     char* const text = transcoded.get();
+    // What the code page lacks is substituted, so that a conversion can fail
+    // only for want of memory, or on a text that is too long for the XML
+    // library's arithmetic.
+    if (text == nullptr)
+        throw std::bad_alloc();
     const std::size_t length = std::strlen(text);
     if (replaceSub)
         std::replace(text, text + length, substituteCharacter, '?');

@@ -90,6 +90,8 @@ private:
 
 // `source` in the code page of the process, up to its NUL; with `replaceSub`
 // each byte 0x1A becomes "?". A null `source` is the empty text.
+//
+// THROWS: std::bad_alloc when the XML library cannot convert the text.
 std::string transcodeToString(const XMLCh* source, bool replaceSub);
 
 }  // namespace Orvane::Net::OvModelEventManager::Util

@@ -31,10 +31,7 @@ std::string declaredPrefix(const std::string& document, std::size_t uri) {
 
 }  // namespace
 
-// Out of memory, an insertion throws instead of cutting the document short.
-XmlStream::XmlStream() : prefixCounter(0), firstElement(true) {
-    exceptions(std::ios_base::badbit);
-}
+XmlStream::XmlStream() : prefixCounter(0), firstElement(true) {}
 
 XmlStream::~XmlStream() = default;
 

@@ -47,10 +47,13 @@ namespace Util {
 // an older standard write one insertion a statement.)
 //
 // It derives from a string stream so that schema objects insert their text
-// with ordinary <<.
+// with ordinary <<, and behaves like one: an insertion for which there is no
+// memory throws nothing, unless you call exceptions(); it sets badbit, and what
+// is inserted then is dropped. Look at good() before you take the text. The
+// outputXML of a schema object looks for itself.
 //
 // Lifetime: one stream, one document. Threads: one at a time.
-// THROWS: std::bad_alloc, also from insertions; nothing of its own.
+// THROWS: std::bad_alloc, from the functions declared here.
 class OVMEM_EXPORT XmlStream : public std::basic_stringstream<char> {
 public:
     // An empty document, no namespaces.
@@ -85,9 +88,9 @@ public:
 
     // Tags.
     //
-    // These functions return text and leave the stream untouched; insert the
-    // text yourself. A name is written with the prefix of `uri`, if it has
-    // one.
+    // These functions return text and leave that of the stream untouched;
+    // insert what they return yourself. A name is written with the prefix of
+    // `uri`, if it has one.
 
     // The start tag up to, and without, its '>': "\n<ns0:ship". A name that
     // contains ':' is taken as it stands.
@@ -114,12 +117,16 @@ public:
     // quotes are not understood, and the only blank that ends a name is a
     // space.
 
-    // The namespace URI that the root element declares for its own prefix;
-    // empty if it declares none.
+    // The namespace URI of the root element: the first declaration of its
+    // prefix behind its name, also where that is a later element's or stands
+    // in a text. A value that is never closed runs to the end of the document.
+    // Empty if there is no such declaration, and if the root's tag ends before
+    // any space (docs/irregularities.md#namespace-of-anothers-declaration).
     static std::string getRootNamespace(const std::string& document);
 
     // Where the start tag (or end tag) of an element begins, or npos. `key` is
-    // the namespace URI, '^' and the local name: "urn:fleet^ship". The first
+    // the namespace URI, '^' and the local name: "urn:fleet^ship". A URI that
+    // the document does not declare counts as that of no prefix. The first
     // match wins, also inside a longer name: "<ns0:ship" is found in
     // "<ns0:ships" (docs/irregularities.md#first-match-wins).
     static std::size_t findElementTag(const std::string& document,

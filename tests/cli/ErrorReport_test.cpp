@@ -49,7 +49,7 @@ TEST(ErrorReport, AClientExceptionIsReportedWithItsClassCodeAndText) {
     expectReport(reportOf(OvMEMProtocolException("p")),
                  ExitCode::ProtocolException, "OvMEMProtocolException", 0, "p",
                  "OvMEMProtocolException (0): p",
-                 "Mend what was asked for; the same request will fail again.");
+                 "Fix what was asked for; the same request will fail again.");
     expectReport(reportOf(OvMEMRuntimeException()), ExitCode::RuntimeException,
                  "OvMEMRuntimeException", 0, "", "OvMEMRuntimeException (0): ",
                  "Try again; if it persists, the platform needs attention.");

@@ -30,7 +30,7 @@ TEST_F(Failures, AConnectionExceptionEndsWith2) {
 TEST_F(Failures, AProtocolExceptionEndsWith3) {
     expectFailure("init 1002\nlast-error 0 \"No.\"\n", "get", 3,
                   "OvMEMProtocolException (0): No.",
-                  "Mend what was asked for; the same request will fail again.");
+                  "Fix what was asked for; the same request will fail again.");
 }
 
 TEST_F(Failures, ARuntimeExceptionEndsWith4) {

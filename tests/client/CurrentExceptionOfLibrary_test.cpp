@@ -33,7 +33,7 @@ TEST(CurrentExceptionOfLibrary, AnObjectThrownInsideIsDescribedOutside) {
     }
 }
 
-TEST(CurrentExceptionOfLibrary, APointerThrownInsideIsDeletedAndNull) {
+TEST(CurrentExceptionOfLibrary, APointerThrownInsideIsItsCatchersToDelete) {
     OvMEMConnection connection;
     std::vector<std::string> shared;
     try {
@@ -46,7 +46,8 @@ TEST(CurrentExceptionOfLibrary, APointerThrownInsideIsDeletedAndNull) {
             throw;
         }
     } catch (const OvMEMProtocolException* pointer) {
-        EXPECT_EQ(pointer, nullptr);
+        EXPECT_EQ(pointer->getType(), -2);
+        delete pointer;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <xercesc/sax/SAXException.hpp>
@@ -42,9 +43,8 @@ const std::string lookAtPlatform =
     "What to do: try again; if it persists, the platform needs attention.";
 const std::string lookAtProgram =
     "What to do: look at the program that threw it.";
-const std::string describedBefore =
-    "OvMEMProtocolException*: described and deleted before\n"
-    "What to do: look for the earlier description.";
+const std::string pointerToNotRegistered =
+    "OvMEMProtocolException* (-2): Not registered\n" + registerFirst;
 const std::string processMemory = "What to do: give the process more memory.";
 
 std::string descriptionOf(const std::function<void()>& code) {
@@ -88,7 +88,7 @@ TEST(CurrentException, EachClientClassIsNamedWithItsCodeTextAndAdvice) {
               "again.");
     EXPECT_EQ(describing(OvMEMProtocolException("Not so")),
               "OvMEMProtocolException (0): Not so\n"
-              "What to do: mend what was asked for; the same request will "
+              "What to do: fix what was asked for; the same request will "
               "fail again.");
     EXPECT_EQ(describing(OvMEMRuntimeException()),
               "OvMEMRuntimeException (0): \n" + lookAtPlatform);
@@ -129,36 +129,50 @@ TEST(CurrentException, TheTextKeepsItsLinesButNotItsEnd) {
               "DomException: one\ntwo\n" + wrongReply);
 }
 
-// The leak sanitizer would miss a deletion, the address sanitizer a second.
-TEST(CurrentException, APointerIsDeletedOnceAndNullAfterwards) {
+TEST(CurrentException, APointerIsDescribedAndLeftToItsCatcher) {
+    auto* const thrown = new OvMEMProtocolException(-2, "Not registered");
     try {
         try {
-            throw new OvMEMProtocolException(-2, "Not registered");
+            throw thrown;
         } catch (...) {
-            EXPECT_EQ(describeCurrentException(),
-                      "OvMEMProtocolException* (-2): Not registered\n" +
-                          registerFirst);
-            EXPECT_EQ(describeCurrentException(), describedBefore);
+            EXPECT_EQ(describeCurrentException(), pointerToNotRegistered);
+            EXPECT_EQ(describeCurrentException(), pointerToNotRegistered);
             throw;
         }
     } catch (OvMEMProtocolException* pointer) {
-        EXPECT_EQ(pointer, nullptr);
+        EXPECT_EQ(describeCurrentException(), pointerToNotRegistered);
+        EXPECT_EQ(pointer, thrown);
+        EXPECT_EQ(pointer->getMessage(), "Not registered");
+        delete pointer;
     }
 }
 
-TEST(CurrentException, APointerThatIsKeptIsDeletedOnceToo) {
+// The address sanitizer would see a deletion, the thread sanitizer a change.
+TEST(CurrentException, TwoThreadsMayDescribeTheSameOneAtOnce) {
+    const std::unique_ptr<OvMEMProtocolException> owner(
+        new OvMEMProtocolException(-2, "Not registered"));
     std::exception_ptr kept;
     try {
-        throw new OvMEMProtocolException("Not so");
+        throw owner.get();
     } catch (...) {
         kept = std::current_exception();
     }
-    const auto rethrow = [&kept] { std::rethrow_exception(kept); };
-    EXPECT_EQ(descriptionOf(rethrow),
-              "OvMEMProtocolException* (0): Not so\n"
-              "What to do: mend what was asked for; the same request will "
-              "fail again.");
-    EXPECT_EQ(descriptionOf(rethrow), describedBefore);
+    const auto describeOften = [&kept] {
+        for (int time = 0; time < 1000; ++time) {
+            ASSERT_EQ(descriptionOf([&kept] { std::rethrow_exception(kept); }),
+                      pointerToNotRegistered);
+        }
+    };
+    std::thread other(describeOften);
+    describeOften();
+    other.join();
+    EXPECT_EQ(owner->getMessage(), "Not registered");
+}
+
+TEST(CurrentException, APointerToNothingIsTheProgramsFault) {
+    OvMEMProtocolException* const nothing = nullptr;
+    EXPECT_EQ(describing(nothing),
+              "OvMEMProtocolException*: null\n" + lookAtProgram);
 }
 
 TEST(CurrentException, APointerOfAnotherClassIsLeftAlone) {

@@ -55,6 +55,20 @@ TEST_F(OvMEMConnectionRegistration, TheIdentityIsStoredBeforeAnyCall) {
     EXPECT_EQ(takeTransportCalls(), Calls{start} + registering.calls());
 }
 
+// They are taken by non-const reference.
+TEST_F(OvMEMConnectionRegistration, WhatIsHandedInStaysAsItWas) {
+    server = "null";
+    locale = std::string("a\0b", 3);
+    transport.init(0).receive(-3001).lastError(0, "down");
+    EXPECT_EQ(thrownBy([this] { registerNow(); }).type,
+              "OvMEMConnectionException");
+    transport.takeCalls();
+    EXPECT_EQ(server, "null");
+    EXPECT_EQ(client, "pump");
+    EXPECT_EQ(locale, std::string("a\0b", 3));
+    EXPECT_EQ(shared, (Texts{"before"}));
+}
+
 TEST_F(OvMEMConnectionRegistration, RegisteringAgainReplacesTheIdentity) {
     identify();
     std::string newServer = "other";

@@ -51,6 +51,18 @@ TEST_F(OvMEMRequestConversion, WhatIsNoCharacterIsReplacedWithoutError) {
     expectSent("UTF-8", "a\xC3", "a\xEF\xBF\xBD");
 }
 
+// The empty line follows, so that it is never at the very end.
+TEST_F(OvMEMRequestConversion,
+       ACharacterCutShortInAValueIsReplacedAtAnyLength) {
+    for (const int count : {0, 6000, 10000, 20480, 50000}) {
+        std::string value;
+        for (int i = 0; i < count; ++i) {
+            value += "\xE2\x82\xAC";
+        }
+        expectSent("UTF-8", value + "\xE2\x82", value + "\xEF\xBF\xBD");
+    }
+}
+
 TEST_F(OvMEMRequestConversion, ALongBlockLosesNothing) {
     for (const std::string before : {"", "a", "ab", "abc"}) {
         std::string value = before;

@@ -101,6 +101,9 @@ std::vector<HostileReply> encodingReplies() {
                   "invalid bytes '\uFFFD' and '\uFFFD' of a 4-byte sequence")),
         alike("FarBeyondTheLastCharacter", identifier("\xF7\xBF\xBF\xBF"),
               fatal(1, 1, "invalid multi-byte sequence")),
+        alike("FarBeyondTheLastCharacterBehindOthers",
+              identifier(std::string(15, 'x') + "pu\xF7\xBF\xBF\xBFmp"),
+              accepting({std::string(15, 'x') + "pump"})),
         alike(
             "FiveBytes", identifier("\xF8\x88\x80\x80\x80"),
             fatal(1, 1,

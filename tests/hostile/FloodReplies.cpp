@@ -113,6 +113,10 @@ std::vector<HostileReply> floodReplies() {
               fatal(static_cast<int>(many / 100) + 1, 3,
                     "expected end of tag 'r'")),
 
+        flood("ManyWarnings", "<!DOCTYPE r [<!ATTLIST r",
+              {" k CDATA ''", many / 250}, ">]><r/>",
+              fatal(1, 10, "invalid document structure"), accepted),
+
         // Number of different things.
         flood("AsManyAttributesAsFit", "<r ",
               {numbered("a#='' ", many / 10000)}, "/>", accepted, accepted),

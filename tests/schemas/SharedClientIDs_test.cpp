@@ -1,6 +1,7 @@
 #include "OvMemCppBinding/schemas/SharedClientIDs.h"
 
 #include <memory>
+#include <new>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -233,6 +234,18 @@ TEST(SharedClientIDs, WritesABareColonWhereTheSchemaWasNotDeclared) {
     EXPECT_EQ(stream.str(), R"(
 <root>
 <E><:sharedClients>a</:sharedClients><:sharedClients>b</:sharedClients></E>)");
+}
+
+TEST(SharedClientIDs, RefusesAStreamThatTakesNoMoreText) {
+    for (const std::ios_base::iostate state :
+         {std::ios_base::badbit, std::ios_base::failbit,
+          std::ios_base::eofbit}) {
+        XmlStream stream;
+        stream << "text";
+        stream.setstate(state);
+        EXPECT_THROW(holding({}).outputXML(stream, "E"), std::bad_alloc);
+        EXPECT_EQ(stream.str(), "text");
+    }
 }
 
 TEST(SharedClientIDs, WritingLeavesTheListAlone) {

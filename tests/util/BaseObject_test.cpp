@@ -1,6 +1,7 @@
 #include "OvMemCppBinding/util/BaseObject.h"
 
 #include <memory>
+#include <new>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -245,6 +246,20 @@ TEST(BaseObject, WritesBehindWhatTheStreamHolds) {
     EXPECT_TRUE(leaf.open(stream, "E"));
     EXPECT_EQ(stream.str(), R"(text
 <ns1:E xmlns:ns0="urn:other" xmlns:ns1="urn:u")");
+}
+
+// A stream that was read to its end takes no more text either.
+TEST(BaseObject, RefusesAStreamThatTakesNoMoreText) {
+    const Leaf leaf("urn:u");
+    for (const std::ios_base::iostate state :
+         {std::ios_base::badbit, std::ios_base::failbit,
+          std::ios_base::eofbit}) {
+        XmlStream stream;
+        stream << "text";
+        stream.setstate(state);
+        EXPECT_THROW(leaf.open(stream, "E"), std::bad_alloc);
+        EXPECT_EQ(stream.str(), "text");
+    }
 }
 
 TEST(BaseObject, DoesNotUseTheNameOfTheCaller) {

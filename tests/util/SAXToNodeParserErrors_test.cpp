@@ -93,6 +93,43 @@ TEST_F(SAXToNodeParserErrors, ADocumentInUtf16IsCutOffAtItsFirstNul) {
                       "Message: element name expected\n"}));
 }
 
+// The XML library's own way with sequences that lie beyond Unicode, but for
+// F4 90 and above: behind 32 characters it breaks off in order to report them
+// in the next piece, and goes on behind them there.
+TEST_F(SAXToNodeParserErrors, BytesBeyondUnicodeAreRefusedBehind32Characters) {
+    const std::string declaration = "<?xml version='1.0' encoding='UTF-8'?>";
+    const std::string before = "<r>" + std::string(29, 'a');
+    for (const char lead : {'\xF5', '\xF6', '\xF7'}) {
+        const std::string beyond = lead + "\x80\xBF\xBFz</r>"s;
+        EXPECT_EQ(thrownByText(before + beyond),
+                  (Thrown{"DomException", 0,
+                          "Fatal Error: parsing: From-String: line 1, char 1\n"
+                          "Message: invalid multi-byte sequence\n"}));
+        EXPECT_EQ(thrownByText(declaration + before + beyond),
+                  (Thrown{"DomException", 0,
+                          "Fatal Error: parsing: From-String: line 1, char 39\n"
+                          "Message: invalid multi-byte sequence\n"}));
+    }
+}
+
+TEST_F(SAXToNodeParserErrors, BytesBeyondUnicodeVanishBehindMoreCharacters) {
+    const std::string before(30, 'a');
+    const std::string between(33, 'b');
+    for (const char lead : {'\xF5', '\xF6', '\xF7'}) {
+        const std::string beyond = lead + "\x80\xBF\xBF"s;
+        SAXToNodeParser parser;
+        EXPECT_EQ(parser
+                      .parseString("<r>" + before + beyond + between + beyond +
+                                   "z</r>")
+                      ->text,
+                  before + between + "z");
+    }
+    EXPECT_EQ(thrownByText("<r>" + before + "\xF4\x90\x80\x80z</r>").message,
+              "Fatal Error: parsing: From-String: line 1, char 1\n"
+              "Message: invalid bytes '\uFFFD' and '\uFFFD' of a 4-byte "
+              "sequence\n");
+}
+
 TEST_F(SAXToNodeParserErrors, NumbersStandInTheClassicLocale) {
     const OvMemTest::CommaLocale locale;
     const std::string lines(1233, '\n');

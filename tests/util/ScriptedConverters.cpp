@@ -37,6 +37,7 @@ ScriptedConverters::ScriptedConverters(std::string codePage)
     : defaultCodePage(std::move(codePage)),
       failing(-1),
       failure(U_ZERO_ERROR),
+      converting(U_ZERO_ERROR),
       opened(0) {
     current = this;
 }
@@ -48,6 +49,10 @@ ScriptedConverters::~ScriptedConverters() {
 void ScriptedConverters::failOpening(int number, UErrorCode error) {
     failing = number;
     failure = error;
+}
+
+void ScriptedConverters::failConverting(UErrorCode error) {
+    converting = error;
 }
 
 const ScriptedConverters::Calls& ScriptedConverters::calls() const {
@@ -85,5 +90,20 @@ __attribute__((visibility("default"))) void ucnv_close(UConverter* converter) {
         OvMemTest::current->close(converter);
     else
         OvMemTest::closeNext(converter);
+}
+
+__attribute__((visibility("default"))) int32_t ucnv_fromUChars(
+    UConverter* converter, char* target, int32_t capacity, const UChar* source,
+    int32_t length, UErrorCode* error) {
+    using Function = int32_t(UConverter*, char*, int32_t, const UChar*, int32_t,
+                             UErrorCode*);
+    static auto* const function =
+        OvMemTest::next<Function>(OVMEM_SYMBOL(ucnv_fromUChars));
+    if (OvMemTest::current != nullptr &&
+        U_FAILURE(OvMemTest::current->convertingError())) {
+        *error = OvMemTest::current->convertingError();
+        return 0;
+    }
+    return function(converter, target, capacity, source, length, error);
 }
 }

@@ -8,9 +8,10 @@
 
 namespace OvMemTest {
 
-// Stands between the program and ICU where converters are opened and closed:
-// it chooses the default code page, which on Linux is otherwise always UTF-8,
-// remembers the calls, and lets one fail. The converters themselves are ICU's.
+// Stands between the program and ICU where converters are opened and closed,
+// and where the XML library converts a text: it chooses the default code page,
+// which on Linux is otherwise always UTF-8, remembers what was opened and
+// closed, and lets a call fail. The converters themselves are ICU's.
 //
 //     ScriptedConverters converters("ISO-8859-1");
 //     EXPECT_EQ(fromUtf8("\xC3\xA9", 2), "\xE9");
@@ -30,17 +31,22 @@ public:
     // Lets the opening number `number`, counted from 0, end with `error`.
     void failOpening(int number, UErrorCode error);
 
+    // Lets the XML library's conversions into the code page end with `error`.
+    void failConverting(UErrorCode error);
+
     // "open default", "open UTF-8", "close ISO-8859-1", in their order.
     const Calls& calls() const;
 
     // Called by the entry points alone.
     UConverter* open(const char* name, UErrorCode* error);
     void close(UConverter* converter);
+    UErrorCode convertingError() const { return converting; }
 
 private:
     std::string defaultCodePage;
     int failing;
     UErrorCode failure;
+    UErrorCode converting;
     int opened;
     Calls record;
 };

@@ -1,3 +1,5 @@
+#include <new>
+
 #include <gtest/gtest.h>
 #include <xercesc/internal/VecAttributesImpl.hpp>
 
@@ -21,8 +23,9 @@ protected:
         SAXToNodeParser::setReplaceSubCharacters(false);
     }
 
-private:
     OvMemTest::ScriptedConverters converters;
+
+private:
     OvMemTest::XmlPlatform platform;
 };
 
@@ -61,6 +64,20 @@ TEST_F(TranscodeToString, CopesWithHalfASurrogatePair) {
     const XMLCh low[] = {u'a', 0xDC00, u'b', 0};
     EXPECT_EQ(transcodeToString(high, false), "a" + replacement);
     EXPECT_EQ(transcodeToString(low, true), "a" + replacement + "b");
+}
+
+// What cannot be expressed is replaced, so that only a want of memory is left.
+TEST_F(TranscodeToString, ATextThatTheXmlLibraryCannotConvertIsABadAlloc) {
+    converters.failConverting(U_MEMORY_ALLOCATION_ERROR);
+    EXPECT_THROW(transcodeToString(u"a", false), std::bad_alloc);
+    EXPECT_THROW(transcodeToString(u"a", true), std::bad_alloc);
+    EXPECT_EQ(transcodeToString(nullptr, true), "");
+    EXPECT_EQ(thrownBy([] { SAXToNodeParser().parseString("<r>x</r>"); }).type,
+              "bad_alloc");
+    EXPECT_EQ(thrownBy([] { SAXToNodeParser().parseString("<r>"); }).type,
+              "bad_alloc");
+    converters.failConverting(U_ZERO_ERROR);
+    EXPECT_EQ(transcodeToString(u"a", false), "a");
 }
 
 // In UTF-8 a substitute character comes from the document itself.

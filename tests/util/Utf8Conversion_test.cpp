@@ -255,12 +255,28 @@ TEST(Utf8Conversion, ANulOnTheWayBackEndsThePieceOfItsStep) {
                 "a" + repeated(accents - cut, "\xC3\xA9"));
 }
 
-// In a short text it would be replaced.
-TEST(Utf8Conversion, ABrokenEndBehindAllPassesIsDropped) {
+// What becomes of a character of which the last byte is missing: in the last
+// pass, which begins with more bytes than a buffer has units, or with fewer.
+TEST(Utf8Conversion, ABrokenEndIsDroppedOnlyBehindALongLastPass) {
     const ScriptedConverters converters("UTF-8");
-    const std::string text = repeated(10000, "\xE2\x82\xAC");
-    EXPECT_TRUE(toUtf8(text + "\xE2\x82") == text);
-    EXPECT_TRUE(fromUtf8(text + "\xE2\x82") == text);
+    const std::string cut = "\xE2\x82";
+    const std::string euro = "\xE2\x82\xAC";
+    for (const std::string& text :
+         {std::string(maxUnits - 1, 'x'), repeated(6827, euro),
+          repeated(10000, euro), repeated(maxUnits - 1, euro),
+          std::string(2 * maxUnits - 1, 'x')}) {
+        SCOPED_TRACE(text.size());
+        EXPECT_TRUE(toUtf8(text + cut) == text);
+        EXPECT_TRUE(fromUtf8(text + cut) == text);
+    }
+    for (const std::string& text :
+         {std::string(), std::string(maxUnits - 2, 'x'), repeated(6826, euro),
+          std::string(maxUnits, 'x'), repeated(maxUnits, euro),
+          std::string(2 * maxUnits, 'x')}) {
+        SCOPED_TRACE(text.size());
+        EXPECT_TRUE(toUtf8(text + cut) == text + "\xEF\xBF\xBD");
+        EXPECT_TRUE(fromUtf8(text + cut) == text + "\xEF\xBF\xBD");
+    }
 }
 
 class Utf8ConversionAtTheLimit

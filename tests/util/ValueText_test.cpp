@@ -1,5 +1,6 @@
 #include "OvMemCppBinding/util/ValueText.h"
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -138,6 +139,32 @@ TEST(ValueText, AWrittenDoubleReadsBackUnchanged) {
             ASSERT_EQ(toDouble(toString(value)), value);
         }
     }
+}
+
+// docs/irregularities.md#not-finite-reads-as-zero
+TEST(ValueText, WhatIsNotFiniteReadsBackAsZero) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(toString(infinity), "inf");
+    EXPECT_EQ(toString(-infinity), "-inf");
+    EXPECT_EQ(toString(std::copysign(nan, 1.0)), "nan");
+    EXPECT_EQ(toString(std::copysign(nan, -1.0)), "-nan");
+    EXPECT_EQ(toString(std::numeric_limits<float>::infinity()), "inf");
+    for (const char* text : {"inf", "-inf", "nan", "-nan", "infinity"}) {
+        EXPECT_EQ(toDouble(text), 0.0) << text;
+        EXPECT_EQ(toFloat(text), 0.0f) << text;
+    }
+}
+
+TEST(ValueText, AnExponentWithoutDigitsSpoilsTheNumber) {
+    for (const char* text : {"12em", "12e", "12e+", "12E-x"}) {
+        EXPECT_EQ(toDouble(text), 0.0) << text;
+        EXPECT_EQ(toFloat(text), 0.0f) << text;
+        EXPECT_EQ(toInt(text), 12) << text;
+    }
+    EXPECT_EQ(toDouble("12xm"), 12.0);
+    EXPECT_EQ(toDouble("12e1m"), 120.0);
+    EXPECT_EQ(toFloat("12e1e"), 120.0f);
 }
 
 TEST(ValueText, AWrittenIntReadsBackUnchanged) {

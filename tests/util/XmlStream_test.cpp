@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "OvMemCppBinding/util/XmlEscape.h"
+#include "tests/util/CommaLocale.h"
 
 namespace {
 
@@ -17,9 +18,22 @@ static_assert(std::has_virtual_destructor_v<XmlStream>);
 static_assert(!std::is_copy_constructible_v<XmlStream>);
 static_assert(!std::is_copy_assignable_v<XmlStream>);
 
-TEST(XmlStream, AnInsertionThatBreaksOffThrows) {
+TEST(XmlStream, ThrowsNothingThatAPlainStringStreamWouldNot) {
     XmlStream stream;
-    EXPECT_EQ(stream.exceptions(), std::ios_base::badbit);
+    EXPECT_EQ(stream.exceptions(), std::ios_base::goodbit);
+    EXPECT_EQ(stream.rdstate(), std::ios_base::goodbit);
+    stream << "before";
+    EXPECT_NO_THROW(stream.setstate(std::ios_base::badbit));
+    EXPECT_NO_THROW(stream << "behind");
+    EXPECT_EQ(stream.str(), "before");
+    stream.clear();
+    EXPECT_NO_THROW(stream << static_cast<std::streambuf*>(nullptr));
+    EXPECT_TRUE(stream.bad());
+}
+
+TEST(XmlStream, TakesAnExceptionMaskFromWhoeverSetsOne) {
+    XmlStream stream;
+    stream.exceptions(std::ios_base::badbit);
     EXPECT_THROW(stream << static_cast<std::streambuf*>(nullptr),
                  std::ios_base::failure);
 }
@@ -83,6 +97,16 @@ TEST(XmlStream, WritesPrefixNumbersWithoutPadding) {
     EXPECT_EQ(xml.getPrefix("urn:9"), "ns9");
     EXPECT_EQ(xml.getPrefix("urn:10"), "ns10");
     EXPECT_EQ(xml.getPrefix("urn:100"), "ns100");
+}
+
+// docs/irregularities.md#int-uses-the-global-locale
+TEST(XmlStream, ThePrefixNumberedAThousandFollowsTheGlobalLocale) {
+    const OvMemTest::CommaLocale locale;
+    XmlStream xml;
+    for (int number = 0; number < 1001; ++number)
+        ASSERT_TRUE(xml.addNamespace("urn:" + std::to_string(number)));
+    EXPECT_EQ(xml.getPrefix("urn:999"), "ns999");
+    EXPECT_EQ(xml.getPrefix("urn:1000"), "ns1.000");
 }
 
 TEST(XmlStream, ForgetsANamespaceWhoseScopeIntroducedIt) {
