@@ -17,9 +17,13 @@ namespace {
 
 // For an error found before the options are known.
 bool asksForJson(int count, char** arguments) {
-    return std::any_of(arguments, arguments + count, [](const char* argument) {
-        return std::strcmp(argument, "--json") == 0;
-    });
+    const auto is = [](const char* word) {
+        return [word](const char* argument) {
+            return std::strcmp(argument, word) == 0;
+        };
+    };
+    char** const end = std::find_if(arguments, arguments + count, is("--"));
+    return std::any_of(arguments, end, is("--json"));
 }
 
 ExitCode run(int count, char** arguments) {

@@ -55,11 +55,6 @@ TEST_F(Usage, AnUnknownOptionIsRefused) {
                   "The following argument was not expected: --loud.", SEE_HELP);
 }
 
-TEST_F(Usage, AnOptionWithoutItsValueIsRefused) {
-    expectRefusal({"status", "--server"}, "--server: 1 required TEXT missing.",
-                  SEE_HELP);
-}
-
 TEST_F(Usage, RegisterNeedsAServer) {
     expectRefusal({"register", "--client", "pump"}, "register needs --server.",
                   "Give --server, or set OVMEM_SERVER.");
