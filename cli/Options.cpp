@@ -22,7 +22,8 @@ Data goes to standard output, words to standard error. The clients that share
 the events are written one a line; get writes the events byte for byte.
 
 Values. '--client=' is the empty value; one that begins with '--' is written
---client=VALUE. After '--' every word is a file.
+--client=VALUE. After '--' every word is a file. The identity and the locale
+are UTF-8, whatever the locale of the process.
 
 Identity. A registration belongs to the service, but every run is a connection
 of its own, which knows it only by registering. With --server, the commands

@@ -94,21 +94,6 @@ TEST_F(Usage, AValueThatIsTheWordNullIsRefused) {
                   "Give --client another value.");
 }
 
-TEST_F(Usage, AValueThatTheLocaleCannotExpressIsRefused) {
-    ovmem.set("LC_ALL", "C").set("OVMEM_CLIENT", "pump");
-    expectRefusal({"get", "--server", "Kühlwerk"},
-                  "--server is not text in the code page of the locale "
-                  "(ANSI_X3.4-1968).",
-                  "Set a locale that has its characters, for instance "
-                  "LC_ALL=C.UTF-8.");
-    ovmem.set("LC_ALL", "C.UTF-8");
-    expectRefusal({"get", "--server", "K\xFC"},
-                  "--server is not text in the code page of the locale "
-                  "(UTF-8).",
-                  "Set a locale that has its characters, for instance "
-                  "LC_ALL=C.UTF-8.");
-}
-
 TEST_F(Usage, StandardInputNamedTwiceIsRefused) {
     expectRefusal({"put", "-", "-"}, "Standard input is named twice.",
                   "Name '-' once.");
