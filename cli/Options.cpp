@@ -36,6 +36,9 @@ JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
 with "Base64" added ("eventsBase64").
 
+Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
+refused before anything is sent.
+
 Undelivered events. When get cannot write what it has fetched, it saves the
 events in a file and says where.
 

@@ -99,25 +99,6 @@ TEST_F(Usage, StandardInputNamedTwiceIsRefused) {
                   "Name '-' once.");
 }
 
-TEST_F(Usage, AnEventTextWithANulIsRefused) {
-    const std::string advice =
-        "Nothing was sent. Remove the NUL bytes, or send the data encoded, for "
-        "instance with base64.";
-    const std::string first = folder.write("first", "abc");
-    const std::string second = folder.write("second", std::string("de\0f", 4));
-    ovmem.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump");
-    expectRefusal({"put", first, second},
-                  "The byte at offset 2 of " + second +
-                      " is NUL; the transport carries texts and would drop "
-                      "what follows it.",
-                  advice);
-    ovmem.input(std::string("\0", 1));
-    expectRefusal({"put"},
-                  "The byte at offset 0 of standard input is NUL; the "
-                  "transport carries texts and would drop what follows it.",
-                  advice);
-}
-
 TEST_F(Usage, ErrorsAreJsonWhereJsonIsAskedFor) {
     EXPECT_EQ(
         ovmem.run({"fetch", "--json"}),
