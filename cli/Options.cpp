@@ -32,6 +32,10 @@ what waits for it stays. The first time, they register it anew: it receives
 events from then on. Without --server they run on a connection that is not
 registered, and report what the library says to that.
 
+Names. What others chose is escaped on a terminal and in the words: the bytes
+of control characters, and those that are not UTF-8, as \xNN, a backslash as
+two. In a pipe or a file the clients are as they are, and the events always.
+
 JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
 with "Base64" added ("eventsBase64").

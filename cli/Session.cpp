@@ -3,11 +3,14 @@
 #include <cstring>
 #include <optional>
 
+#include <unistd.h>
+
 #include "cli/EventInput.h"
 #include "cli/Failure.h"
 #include "cli/JsonObject.h"
 #include "cli/RescueFile.h"
 #include "cli/StandardStreams.h"
+#include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
@@ -164,9 +167,10 @@ void Session::deliver(const std::string& events) {
 
 ExitCode Session::writeShared(JsonObject& object, const std::string& done) {
     object.add("sharedClients", shared);
+    const bool terminal = isatty(STDOUT_FILENO) != 0;
     std::string lines;
     for (const std::string& client : shared) {
-        lines += client + "\n";
+        lines += (terminal ? escaped(client) : client) + "\n";
     }
     const Written written =
         tryWriteOutput(options.json ? object.line() : lines);

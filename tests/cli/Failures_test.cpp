@@ -63,7 +63,7 @@ TEST_F(Failures, ADomExceptionEndsWith7) {
 TEST_F(Failures, AReplyWithADocumentTypeEndsWith7) {
     expectFailure(exchange("<!DOCTYPE r [<!ENTITY e 'x'>]><r/>"), "register", 7,
                   "DomException: Fatal Error: parsing: From-String: line 1, "
-                  "char 10\nMessage: invalid document structure",
+                  "char 10\n       Message: invalid document structure",
                   "Check that it is a Model Event Manager that answers; the "
                   "request itself was carried out.");
 }
