@@ -28,9 +28,11 @@ are UTF-8, whatever the locale of the process.
 Identity. A registration belongs to the service, but every run is a connection
 of its own, which knows it only by registering. With --server, the commands
 clients, put, get and unregister therefore register the identity again first;
-what waits for it stays. The first time, they register it anew: it receives
-events from then on. Without --server they run on a connection that is not
-registered, and report what the library says to that.
+what waits for it stays. If it was not registered before, it receives events
+from then on. The service does not tell which it was; so clients, and get when
+nothing waits, say that the identity is registered. Without --server they run
+on a connection that is not registered, and report what the library says to
+that.
 
 Names. What others chose is escaped on a terminal and in the words: the bytes
 of control characters, and those that are not UTF-8, as \xNN, a backslash as

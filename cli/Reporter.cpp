@@ -15,6 +15,9 @@ std::string toJson(const ErrorReport& error) {
         object.add("type", static_cast<long long>(*error.type));
     }
     object.add("text", error.text);
+    if (!error.cause.empty()) {
+        object.add("cause", error.cause);
+    }
     object.add("advice", error.advice);
     object.add("exitCode", static_cast<long long>(error.exitCode));
     return object.line();
@@ -26,6 +29,9 @@ std::string message(const std::string& text) {
 
 std::string toWords(const ErrorReport& error) {
     std::string words = message(error.statement);
+    if (!error.cause.empty()) {
+        words += message("The transport says: " + error.cause);
+    }
     if (!error.advice.empty()) {
         words += message(error.advice);
     }

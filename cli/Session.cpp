@@ -45,8 +45,11 @@ Failure notDelivered(const std::string& events, const Written& written) {
 
 }  // namespace
 
-Session::Session(const Options& asked, const Reporter& voice)
-    : options(asked), reporter(voice) {}
+Session::Session(const Options& asked, const Reporter& voice, Progress& reached)
+    : options(asked), reporter(voice), progress(reached) {
+    progress.command = options.command;
+    progress.namesServer = options.server.has_value();
+}
 
 ExitCode Session::run() {
     requireWritableOutput();
@@ -76,7 +79,8 @@ ExitCode Session::status() {
         writeOutput(object.line());
     }
     reporter.tell(alive ? "The service is alive."
-                        : "Something answers, but not as the service does.");
+                        : "Something answers, but it does not send the status "
+                          "check back as the service does.");
     return alive ? ExitCode::Done : ExitCode::OtherAnswer;
 }
 
@@ -92,6 +96,7 @@ ExitCode Session::registerClient() {
 
 ExitCode Session::clients() {
     attach();
+    tellRegistered();
     shared.clear();
     connection.getSharedClients(shared);
     JsonObject object;
@@ -122,8 +127,13 @@ ExitCode Session::get() {
         // step failed, they are here and nowhere else any more.
         if (!events.empty()) {
             deliver(events);
+        } else {
+            tellRegistered();
         }
         throw;
+    }
+    if (events.empty()) {
+        tellRegistered();  // what has events was registered before
     }
     deliver(events);
     reporter.tell("Got " + count(events.size(), "byte") + ".");
@@ -147,6 +157,16 @@ void Session::attach() {
     std::string client = options.client;
     std::string locale = options.locale;
     connection.registerClient(server, client, locale, shared);
+    progress.registered = true;
+}
+
+void Session::tellRegistered() const {
+    if (progress.registered) {
+        reporter.tell("'" + options.client + "' is registered at '" +
+                      *options.server +
+                      "'; if it was not before, it receives events from now "
+                      "on.");
+    }
 }
 
 void Session::deliver(const std::string& events) {
