@@ -36,7 +36,8 @@ that.
 
 Names. What others chose is escaped on a terminal and in the words: the bytes
 of control characters, and those that are not UTF-8, as \xNN, a backslash as
-two. In a pipe or a file the clients are as they are, and the events always.
+two. A pipe or a file gets the names byte for byte. Events are written byte for
+byte everywhere, also on a terminal; get --json shows unknown ones safely.
 
 JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
