@@ -1,8 +1,5 @@
 #include "cli/EventInput.h"
 
-#include <fstream>
-
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
