@@ -9,6 +9,7 @@
 #include <OvMemCppBinding/util/DomException.h>
 
 #include "cli/Failure.h"
+#include "cli/TransportCause.h"
 
 namespace ovmem::cli {
 
@@ -17,7 +18,7 @@ namespace Util = Orvane::Net::OvModelEventManager::Util;
 
 namespace {
 
-const int NOT_REGISTERED = -2;
+const int STATUS_FAILED = -1;
 
 std::string sentence(std::string words) {
     words.front() = static_cast<char>(std::toupper(words.front()));
@@ -35,18 +36,16 @@ ErrorReport reportKnown(ExitCode exitCode, const std::string& className,
             type,
             std::move(text),
             words.substr(0, end),
-            sentence(words.substr(end + border.size()))};
+            sentence(words.substr(end + border.size())),
+            ""};
 }
 
 ErrorReport reportClient(ExitCode exitCode, const std::string& className,
                          const Client::Exception& exception) {
     ErrorReport report = reportKnown(exitCode, className, exception.getType(),
                                      exception.getMessage());
-    // In terms of the tool.
-    if (report.type == NOT_REGISTERED) {
-        report.advice =
-            "Name the identity with --server and --client, or with "
-            "OVMEM_SERVER and OVMEM_CLIENT.";
+    if (report.type == STATUS_FAILED) {
+        report.cause = lastTransportError();
     }
     return report;
 }
@@ -68,7 +67,8 @@ ErrorReport reportFailure(const Failure& failure) {
             std::nullopt,
             failure.text,
             className + ": " + failure.text,
-            failure.advice};
+            failure.advice,
+            ""};
 }
 
 }  // namespace

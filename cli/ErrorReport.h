@@ -16,6 +16,8 @@ struct ErrorReport {
     std::string text;         // the exception's own, byte for byte
     std::string statement;    // class, code and text, as the library puts it
     std::string advice;       // what to do about it; may be empty
+    std::string cause;        // of a failed status check, as the transport
+                              // tells it; may be empty
 };
 
 // Reports the exception being handled, whatever it is.

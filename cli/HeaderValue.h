@@ -9,12 +9,11 @@ namespace ovmem::cli {
 // locale travel as header lines of the request, so a value
 //   - must not hold a carriage return or a line feed, which end the line;
 //   - must not be "null", which is sent as an empty value;
-//   - must be text in the code page of the process's locale, from which it is
-//     converted to UTF-8.
+//   - must be UTF-8, whatever the locale: it is sent so, and what is not UTF-8
+//     would be replaced, which makes one text of different names.
 //
 // `option` is named in the refusal: "--server".
 //
-// REQUIRES: std::setlocale has been called.
 // THROWS: Failure with ExitCode::Usage.
 void checkHeaderValue(const std::string& option, const std::string& value);
 

@@ -3,23 +3,29 @@
 #include <algorithm>
 
 #include "cli/Base64.h"
+#include "cli/TerminalText.h"
 #include "cli/Utf8.h"
 
 namespace ovmem::cli {
 
 namespace {
 
-std::string quoteControl(char control) {
+std::string quoteCode(char32_t code) {
     const char digits[] = "0123456789abcdef";
-    const auto value = static_cast<unsigned char>(control);
-    return {'\\', 'u', '0', '0', digits[value >> 4], digits[value & 0xF]};
+    return {'\\',
+            'u',
+            digits[code >> 12 & 0xF],
+            digits[code >> 8 & 0xF],
+            digits[code >> 4 & 0xF],
+            digits[code & 0xF]};
 }
 
 // REQUIRES: `text` is UTF-8.
 std::string quote(std::string_view text) {
     std::string quoted = "\"";
-    for (const char c : text) {
-        switch (c) {
+    while (!text.empty()) {
+        const Character character = firstCharacter(text);
+        switch (character.code) {
             case '"':
                 quoted += "\\\"";
                 break;
@@ -36,12 +42,13 @@ std::string quote(std::string_view text) {
                 quoted += "\\t";
                 break;
             default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    quoted += quoteControl(c);
+                if (steersTerminal(character.code)) {
+                    quoted += quoteCode(character.code);
                 } else {
-                    quoted += c;
+                    quoted += text.substr(0, character.length);
                 }
         }
+        text.remove_prefix(character.length);
     }
     return quoted + '"';
 }

@@ -1,9 +1,11 @@
 #include "cli/Options.h"
 
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include "cli/Arguments.h"
 #include "cli/ExitCode.h"
 #include "cli/Failure.h"
 #include "cli/HeaderValue.h"
@@ -19,16 +21,30 @@ const char FOOTER[] = R"(
 Data goes to standard output, words to standard error. The clients that share
 the events are written one a line; get writes the events byte for byte.
 
+Values. '--client=' is the empty value; one that begins with '--' is written
+--client=VALUE. After '--' every word is a file. The identity and the locale
+are UTF-8, whatever the locale of the process.
+
 Identity. A registration belongs to the service, but every run is a connection
 of its own, which knows it only by registering. With --server, the commands
 clients, put, get and unregister therefore register the identity again first;
-what waits for it stays. The first time, they register it anew: it receives
-events from then on. Without --server they run on a connection that is not
-registered, and report what the library says to that.
+what waits for it stays. If it was not registered before, it receives events
+from then on. The service does not tell which it was; so clients, and get when
+nothing waits, say that the identity is registered. Without --server they run
+on a connection that is not registered, and report what the library says to
+that.
+
+Names. What others chose is escaped on a terminal and in the words: the bytes
+of control characters, and those that are not UTF-8, as \xNN, a backslash as
+two. A pipe or a file gets the names byte for byte. Events are written byte for
+byte everywhere, also on a terminal; get --json shows unknown ones safely.
 
 JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
 with "Base64" added ("eventsBase64").
+
+Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
+refused before anything is sent.
 
 Undelivered events. When get cannot write what it has fetched, it saves the
 events in a file and says where.
@@ -58,7 +74,7 @@ Commands addCommands(CLI::App& app, Options& options) {
         ->add_option("FILE", options.files,
                      "Event texts, sent as one in this order;\n'-' or nothing "
                      "is standard input")
-        ->type_name("");
+        ->type_name("");  // for the help; sortArguments finds the files
     for (CLI::App* command : app.get_subcommands({})) {
         command->footer("The common options: ovmem --help");
     }
@@ -89,25 +105,40 @@ Failure refusal(const std::string& text) {
             "'ovmem --help' lists the commands and options."};
 }
 
+Failure unexpected(const std::string& word) {
+    return refusal("The following argument was not expected: " + word + ".");
+}
+
 // True if the command line asked for an answer, which is then in `options`.
-bool parse(CLI::App& app, int count, const char* const* arguments,
-           Options& options) {
+bool parse(CLI::App& app, const Arguments& arguments, Options& options) {
     try {
-        app.parse(count, arguments);
+        // From the last word to the first, as the parser wants them.
+        app.parse(std::vector<std::string>(arguments.words.rbegin(),
+                                           arguments.words.rend()));
         return false;
     } catch (const CLI::CallForHelp&) {
         options.answer = app.help();
     } catch (const CLI::CallForVersion& version) {
         options.answer = std::string(version.what()) + "\n";
     } catch (const CLI::RequiredError&) {
-        throw refusal(app.remaining().empty()
+        throw refusal(arguments.files.empty()
                           ? "A command is missing."
-                          : "'" + app.remaining().front() +
+                          : "'" + arguments.files.front() +
                                 "' is neither a command nor an option.");
     } catch (const CLI::ParseError& error) {
         throw refusal(std::string(error.what()) + ".");
     }
     return true;
+}
+
+// The files of a command that has some: one that declares a positional.
+std::vector<std::string> takeFiles(const Arguments& arguments) {
+    const auto declared = arguments.command->get_options(
+        [](const CLI::Option* option) { return option->get_positional(); });
+    if (declared.empty() && !arguments.files.empty()) {
+        throw unexpected(arguments.files.front());
+    }
+    return arguments.files;
 }
 
 void checkIdentity(const Options& options, bool hasClient) {
@@ -135,7 +166,7 @@ Options parseOptions(int count, const char* const* arguments) {
     app.fallthrough();
     app.set_version_flag("--version", "ovmem " OVMEM_VERSION,
                          "Write the version and end");
-    app.set_help_flag("--help", "Write this help and end");
+    app.set_help_flag("-h,--help", "Write this help and end");
     const CLI::Option* serverOption =
         app.add_option("--server", server, "The server identity")
             ->envname("OVMEM_SERVER");
@@ -148,9 +179,11 @@ Options parseOptions(int count, const char* const* arguments) {
     app.add_flag("--quiet", options.quiet, "Write no words but errors");
     const Commands commands = addCommands(app, options);
 
-    if (parse(app, count, arguments, options)) {
+    const Arguments sorted = sortArguments(app, count, arguments);
+    if (parse(app, sorted, options)) {
         return options;
     }
+    options.files = takeFiles(sorted);
     options.command = chosen(commands);
     if (serverOption->count() > 0) {
         options.server = server;

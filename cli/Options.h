@@ -26,7 +26,6 @@ struct Options {
 // Understands the arguments of main. Options win over the environment, in
 // which an empty value counts as absent.
 //
-// REQUIRES: std::setlocale has been called.
 // THROWS: Failure with ExitCode::Usage.
 Options parseOptions(int count, const char* const* arguments);
 

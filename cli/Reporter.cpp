@@ -2,6 +2,7 @@
 
 #include "cli/JsonObject.h"
 #include "cli/StandardStreams.h"
+#include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
@@ -14,15 +15,25 @@ std::string toJson(const ErrorReport& error) {
         object.add("type", static_cast<long long>(*error.type));
     }
     object.add("text", error.text);
+    if (!error.cause.empty()) {
+        object.add("cause", error.cause);
+    }
     object.add("advice", error.advice);
     object.add("exitCode", static_cast<long long>(error.exitCode));
     return object.line();
 }
 
+std::string message(const std::string& text) {
+    return "ovmem: " + escapedLines(text) + "\n";
+}
+
 std::string toWords(const ErrorReport& error) {
-    std::string words = "ovmem: " + error.statement + "\n";
+    std::string words = message(error.statement);
+    if (!error.cause.empty()) {
+        words += message("The transport says: " + error.cause);
+    }
     if (!error.advice.empty()) {
-        words += "ovmem: " + error.advice + "\n";
+        words += message(error.advice);
     }
     return words;
 }
@@ -34,7 +45,7 @@ Reporter::Reporter(bool asJson, bool errorsOnly)
 
 void Reporter::tell(const std::string& sentence) const {
     if (!json && !quiet) {
-        writeWords("ovmem: " + sentence + "\n");
+        writeWords(message(sentence));
     }
 }
 

@@ -7,7 +7,9 @@
 
 namespace ovmem::cli {
 
-// Says on standard error what was done and what failed.
+// Says on standard error what was done and what failed. Names and texts of
+// others are escaped there, terminal or not: words are for people, and what
+// goes to a file today is shown on a terminal tomorrow.
 class Reporter {
 public:
     // With `asJson`, errors are JSON objects and nothing else is said.

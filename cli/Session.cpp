@@ -3,11 +3,14 @@
 #include <cstring>
 #include <optional>
 
+#include <unistd.h>
+
 #include "cli/EventInput.h"
 #include "cli/Failure.h"
 #include "cli/JsonObject.h"
 #include "cli/RescueFile.h"
 #include "cli/StandardStreams.h"
+#include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
@@ -42,8 +45,11 @@ Failure notDelivered(const std::string& events, const Written& written) {
 
 }  // namespace
 
-Session::Session(const Options& asked, const Reporter& voice)
-    : options(asked), reporter(voice) {}
+Session::Session(const Options& asked, const Reporter& voice, Progress& reached)
+    : options(asked), reporter(voice), progress(reached) {
+    progress.command = options.command;
+    progress.namesServer = options.server.has_value();
+}
 
 ExitCode Session::run() {
     requireWritableOutput();
@@ -73,7 +79,8 @@ ExitCode Session::status() {
         writeOutput(object.line());
     }
     reporter.tell(alive ? "The service is alive."
-                        : "Something answers, but not as the service does.");
+                        : "Something answers, but it does not send the status "
+                          "check back as the service does.");
     return alive ? ExitCode::Done : ExitCode::OtherAnswer;
 }
 
@@ -89,6 +96,7 @@ ExitCode Session::registerClient() {
 
 ExitCode Session::clients() {
     attach();
+    tellRegistered();
     shared.clear();
     connection.getSharedClients(shared);
     JsonObject object;
@@ -119,8 +127,13 @@ ExitCode Session::get() {
         // step failed, they are here and nowhere else any more.
         if (!events.empty()) {
             deliver(events);
+        } else {
+            tellRegistered();
         }
         throw;
+    }
+    if (events.empty()) {
+        tellRegistered();  // what has events was registered before
     }
     deliver(events);
     reporter.tell("Got " + count(events.size(), "byte") + ".");
@@ -144,6 +157,16 @@ void Session::attach() {
     std::string client = options.client;
     std::string locale = options.locale;
     connection.registerClient(server, client, locale, shared);
+    progress.registered = true;
+}
+
+void Session::tellRegistered() const {
+    if (progress.registered) {
+        reporter.tell("'" + options.client + "' is registered at '" +
+                      *options.server +
+                      "'; if it was not before, it receives events from now "
+                      "on.");
+    }
 }
 
 void Session::deliver(const std::string& events) {
@@ -164,9 +187,10 @@ void Session::deliver(const std::string& events) {
 
 ExitCode Session::writeShared(JsonObject& object, const std::string& done) {
     object.add("sharedClients", shared);
+    const bool terminal = isatty(STDOUT_FILENO) != 0;
     std::string lines;
     for (const std::string& client : shared) {
-        lines += client + "\n";
+        lines += (terminal ? escaped(client) : client) + "\n";
     }
     const Written written =
         tryWriteOutput(options.json ? object.line() : lines);

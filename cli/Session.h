@@ -6,6 +6,7 @@
 
 #include <OvMemCppBinding/client/OvMEMConnection.h>
 
+#include "cli/Advice.h"
 #include "cli/ExitCode.h"
 #include "cli/Options.h"
 #include "cli/Reporter.h"
@@ -19,8 +20,8 @@ class JsonObject;
 // THROWS: whatever the library throws, and Failure.
 class Session {
 public:
-    // Both are borrowed.
-    Session(const Options& asked, const Reporter& voice);
+    // All are borrowed. How far the run gets is noted in `reached`.
+    Session(const Options& asked, const Reporter& voice, Progress& reached);
 
     // Runs the command of the options.
     ExitCode run();
@@ -37,6 +38,10 @@ private:
     // for it.
     void attach();
 
+    // For commands that only look: says that they have registered the
+    // identity. The service does not tell whether it was there before.
+    void tellRegistered() const;
+
     // Writes fetched events out, or saves them elsewhere.
     void deliver(const std::string& events);
 
@@ -46,6 +51,7 @@ private:
 
     const Options& options;
     const Reporter& reporter;
+    Progress& progress;
     Orvane::Net::OvModelEventManager::Client::OvMEMConnection connection;
     std::vector<std::string> shared;  // of the latest reply
 };

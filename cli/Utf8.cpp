@@ -1,7 +1,5 @@
 #include "cli/Utf8.h"
 
-#include <cstddef>
-
 namespace ovmem::cli {
 
 namespace {
@@ -59,6 +57,20 @@ bool isUtf8(std::string_view bytes) {
         bytes.remove_prefix(length);
     }
     return true;
+}
+
+Character firstCharacter(std::string_view bytes) {
+    const std::size_t length = lengthOfCharacter(bytes);
+    if (length == 0) {
+        return {0, 0};
+    }
+    // The first byte holds the high bits, below as many ones as it has bytes.
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    char32_t code = length == 1 ? first : first & (0x7Fu >> length);
+    for (const char byte : bytes.substr(1, length - 1)) {
+        code = code << 6 | (static_cast<unsigned char>(byte) & 0x3Fu);
+    }
+    return {length, code};
 }
 
 }  // namespace ovmem::cli

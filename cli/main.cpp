@@ -4,6 +4,7 @@
 
 #include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
+#include "cli/Advice.h"
 #include "cli/ErrorReport.h"
 #include "cli/Options.h"
 #include "cli/Reporter.h"
@@ -17,12 +18,16 @@ namespace {
 
 // For an error found before the options are known.
 bool asksForJson(int count, char** arguments) {
-    return std::any_of(arguments, arguments + count, [](const char* argument) {
-        return std::strcmp(argument, "--json") == 0;
-    });
+    const auto is = [](const char* word) {
+        return [word](const char* argument) {
+            return std::strcmp(argument, word) == 0;
+        };
+    };
+    char** const end = std::find_if(arguments, arguments + count, is("--"));
+    return std::any_of(arguments, end, is("--json"));
 }
 
-ExitCode run(int count, char** arguments) {
+ExitCode run(int count, char** arguments, Progress& progress) {
     const Options options = parseOptions(count, arguments);
     if (options.answer) {
         writeOutput(*options.answer);
@@ -30,7 +35,7 @@ ExitCode run(int count, char** arguments) {
     }
     const XmlPlatformGuard guard;
     const Reporter reporter(options.json, options.quiet);
-    return Session(options, reporter).run();
+    return Session(options, reporter, progress).run();
 }
 
 }  // namespace
@@ -38,10 +43,12 @@ ExitCode run(int count, char** arguments) {
 int main(int count, char** arguments) {
     guardStandardStreams();
     std::setlocale(LC_ALL, "");  // before any conversion of text
+    Progress progress;
     try {
-        return static_cast<int>(run(count, arguments));
+        return static_cast<int>(run(count, arguments, progress));
     } catch (...) {
-        const ErrorReport error = reportCurrentException();
+        ErrorReport error = reportCurrentException();
+        adviseUser(error, progress);
         Reporter(asksForJson(count, arguments), false).report(error);
         return static_cast<int>(error.exitCode);
     }

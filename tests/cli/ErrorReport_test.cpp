@@ -33,11 +33,11 @@ void expectReport(const ErrorReport& report, ExitCode exitCode,
     EXPECT_EQ(report.text, text);
     EXPECT_EQ(report.statement, statement);
     EXPECT_EQ(report.advice, advice);
+    EXPECT_EQ(report.cause, "");
 }
 
-const char ASK_FOR_IDENTITY[] =
-    "Name the identity with --server and --client, or with OVMEM_SERVER and "
-    "OVMEM_CLIENT.";
+const char REGISTER_FIRST[] =
+    "Call registerClient with a server identity that is not empty first.";
 
 }  // namespace
 
@@ -72,7 +72,7 @@ TEST(ErrorReport, AClassThatTheLibraryKeepsToItselfIsAnyOther) {
 TEST(ErrorReport, TheTypeCodeDecidesOnTheAdvice) {
     expectReport(reportOf(OvMEMProtocolException(-2, "n")),
                  ExitCode::ProtocolException, "OvMEMProtocolException", -2, "n",
-                 "OvMEMProtocolException (-2): n", ASK_FOR_IDENTITY);
+                 "OvMEMProtocolException (-2): n", REGISTER_FIRST);
     expectReport(reportOf(OvMEMConnectionException(-1, "s")),
                  ExitCode::ConnectionException, "OvMEMConnectionException", -1,
                  "s", "OvMEMConnectionException (-1): s",
@@ -85,8 +85,7 @@ TEST(ErrorReport, AnExceptionThrownAsAPointerIsReportedAndDeleted) {
     const std::string text(100, 'n');
     expectReport(reportOf(new OvMEMProtocolException(-2, text)),
                  ExitCode::ProtocolException, "OvMEMProtocolException", -2,
-                 text, "OvMEMProtocolException* (-2): " + text,
-                 ASK_FOR_IDENTITY);
+                 text, "OvMEMProtocolException* (-2): " + text, REGISTER_FIRST);
 }
 
 TEST(ErrorReport, TheXmlLayersExceptionHasNoTypeCode) {

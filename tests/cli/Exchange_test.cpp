@@ -8,6 +8,13 @@ namespace {
 
 using Exchange = CliTest;
 
+// What a command says that only looks.
+std::string registered(const std::string& client) {
+    return "ovmem: '" + client +
+           "' is registered at 'plant'; if it was not before, it receives "
+           "events from now on.\n";
+}
+
 std::string allBytesButNul() {
     std::string bytes;
     for (int value = 1; value < 256; ++value) {
@@ -21,6 +28,19 @@ std::string allBytesButNul() {
 TEST_F(Exchange, TheStatusOfTheEmulatorIsAlive) {
     EXPECT_EQ(ovmem.run({"status"}),
               (Outcome{0, "", "ovmem: The service is alive.\n"}));
+}
+
+TEST_F(Exchange, TheStatusNamesWhatIsWrongWithTheStore) {
+    ovmem.set("OVMEM_STORE", "file:events.db");
+    EXPECT_EQ(ovmem.run({"status"}),
+              (Outcome{2, "",
+                       "ovmem: OvMEMConnectionException (-1): OvMEM "
+                       "Connection failed\n"
+                       "ovmem: The transport says: The store URL "
+                       "'file:events.db' is of no known kind. Set OVMEM_STORE "
+                       "to sqlite:PATH, sqlite:PATH?synchronous=NORMAL, "
+                       "sqlite:PATH?synchronous=FULL or memory:.\n"
+                       "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Exchange, StatusLooksAtNoIdentity) {
@@ -46,9 +66,11 @@ TEST_F(Exchange, RegisterWritesTheOtherClients) {
 TEST_F(Exchange, ClientsWritesEachOtherClientOnce) {
     registerClient("pump");
     registerClient("Ventil-Süd");
-    EXPECT_EQ(as("boiler").run({"clients"}),
-              (Outcome{0, "Ventil-Süd\npump\n",
-                       "ovmem: Asked; 2 other clients share the events.\n"}));
+    EXPECT_EQ(
+        as("boiler").run({"clients"}),
+        (Outcome{0, "Ventil-Süd\npump\n",
+                 registered("boiler") +
+                     "ovmem: Asked; 2 other clients share the events.\n"}));
 }
 
 TEST_F(Exchange, WhatOnePutsTheOthersGetByteForByte) {
@@ -61,11 +83,11 @@ TEST_F(Exchange, WhatOnePutsTheOthersGetByteForByte) {
                        "ovmem: Put 255 bytes; 1 other client shares the "
                        "events.\n"}));
     EXPECT_EQ(as("pump").run({"get"}),
-              (Outcome{0, "", "ovmem: Got 0 bytes.\n"}));
+              (Outcome{0, "", registered("pump") + "ovmem: Got 0 bytes.\n"}));
     EXPECT_EQ(as("valve").run({"get"}),
               (Outcome{0, allBytesButNul(), "ovmem: Got 255 bytes.\n"}));
     EXPECT_EQ(as("valve").run({"get"}),
-              (Outcome{0, "", "ovmem: Got 0 bytes.\n"}));
+              (Outcome{0, "", registered("valve") + "ovmem: Got 0 bytes.\n"}));
 }
 
 TEST_F(Exchange, FilesAreSentAsOneTextInTheirOrder) {
@@ -106,6 +128,20 @@ TEST_F(Exchange, TheFirstGetOfANewClientRegistersIt) {
     EXPECT_EQ(eventsOf("valve"), "");
     EXPECT_EQ(as("pump").input("later").run({"put"}).output, "valve\n");
     EXPECT_EQ(eventsOf("valve"), "later");
+}
+
+TEST_F(Exchange, ACommandThatOnlyLooksSaysThatItRegisters) {
+    EXPECT_EQ(as("valve").run({"get"}),
+              (Outcome{0, "", registered("valve") + "ovmem: Got 0 bytes.\n"}));
+    EXPECT_EQ(as("boiler").run({"clients"}),
+              (Outcome{0, "valve\n",
+                       registered("boiler") +
+                           "ovmem: Asked; 1 other client shares the "
+                           "events.\n"}));
+    for (const char* command : {"get", "clients"}) {
+        EXPECT_EQ(as("pump").run({command, "--quiet"}).errors, "");
+        EXPECT_EQ(as("pump").run({command, "--json"}).errors, "");
+    }
 }
 
 TEST_F(Exchange, UnregisterEndsTheSharing) {

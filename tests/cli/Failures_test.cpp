@@ -48,39 +48,100 @@ TEST_F(Failures, AnUnrecognisedExceptionEndsWith5) {
 TEST_F(Failures, APlainExceptionEndsWith6) {
     expectFailure(exchange("<r/>") + failingExchange(-3001, "Gone."),
                   "unregister", 6, "Exception (0): Gone.",
-                  "The connection has forgotten its identity; the service may "
-                  "still know it.");
+                  "Unless the text says otherwise, the service may still know "
+                  "the client. Run 'ovmem unregister' again.");
 }
 
 TEST_F(Failures, ADomExceptionEndsWith7) {
     expectFailure(exchange("<r><other/></r>"), "register", 7,
                   "DomException: Unexpected node name: other",
-                  "Check that it is a Model Event Manager that answers; the "
-                  "request itself was carried out.");
+                  "Check that it is a Model Event Manager that answers. The "
+                  "client may be registered now; nothing else was asked for.");
 }
 
 // The guard: ovmem does not trust what answers.
 TEST_F(Failures, AReplyWithADocumentTypeEndsWith7) {
     expectFailure(exchange("<!DOCTYPE r [<!ENTITY e 'x'>]><r/>"), "register", 7,
                   "DomException: Fatal Error: parsing: From-String: line 1, "
-                  "char 10\nMessage: invalid document structure",
-                  "Check that it is a Model Event Manager that answers; the "
-                  "request itself was carried out.");
+                  "char 10\n       Message: invalid document structure",
+                  "Check that it is a Model Event Manager that answers. The "
+                  "client may be registered now; nothing else was asked for.");
 }
 
-TEST_F(Failures, AFailedStatusCheckEndsWith2) {
-    expectFailure(failingExchange(-751, "Lost."), "status", 2,
-                  "OvMEMConnectionException (-1): OvMEM Connection failed",
-                  "Check that the service can be reached; another operation "
-                  "tells the cause.");
+TEST_F(Failures, AFailedStatusCheckEndsWith2AndNamesTheCause) {
+    const std::string last = "last-error 0 \"Lost.\"\n";
+    const std::string failing = failingExchange(-751, "Lost.") + last;
+    script(failing);
+    EXPECT_EQ(ovmem.run({"status"}),
+              (Outcome{2, "",
+                       "ovmem: OvMEMConnectionException (-1): OvMEM "
+                       "Connection failed\n"
+                       "ovmem: The transport says: Lost.\n"
+                       "ovmem: Remove the cause, then try again.\n"}));
+    script(failing);
+    EXPECT_EQ(ovmem.run({"status", "--json"}),
+              (Outcome{2, "",
+                       "{\"error\":\"OvMEMConnectionException\",\"type\":-1,"
+                       "\"text\":\"OvMEM Connection failed\",\"cause\":"
+                       "\"Lost.\",\"advice\":\"Remove the cause, then try "
+                       "again.\",\"exitCode\":2}\n"}));
+}
+
+TEST_F(Failures, AFailedStatusCheckSaysThatTheTransportNamesNoCause) {
+    const Outcome unnamed = {
+        2, "",
+        "ovmem: OvMEMConnectionException (-1): OvMEM Connection failed\n"
+        "ovmem: Check that the service can be reached; the transport names no "
+        "cause.\n"};
+    for (const char* last : {"last-error 0 \"\"\n", "last-error 1 \"x\"\n"}) {
+        script(failingExchange(-751, "") + last);
+        EXPECT_EQ(ovmem.run({"status"}), unnamed);
+    }
 }
 
 TEST_F(Failures, AWrongAnswerToTheStatusCheckEndsWith10) {
     script(exchange("OvMEM Status"));
     EXPECT_EQ(ovmem.run({"status"}),
               (Outcome{10, "",
-                       "ovmem: Something answers, but not as the service "
-                       "does.\n"}));
+                       "ovmem: Something answers, but it does not send the "
+                       "status check back as the service does.\n"}));
+}
+
+TEST_F(Failures, OfAPutSayThatTheEventsMayHaveArrived) {
+    expectFailure(exchange("<r/>") + failingExchange(-3001, "Gone."), "put", 2,
+                  "OvMEMConnectionException (0): Gone.",
+                  "Unless the text says otherwise, the events may have "
+                  "arrived; put again, they may arrive twice.");
+    expectFailure(exchange("<r/>") + exchange("<r><other/></r>"), "put", 7,
+                  "DomException: Unexpected node name: other",
+                  "Check that it is a Model Event Manager that answers; the "
+                  "request itself was carried out.");
+}
+
+TEST_F(Failures, WithAnEmptyServerIdentityDoNotAskForTheOption) {
+    script(exchange("<r/>"));
+    EXPECT_EQ(ovmem.run({"put", "--server=", "--client=x"}),
+              (Outcome{3, "",
+                       "ovmem: OvMEMProtocolException (-2): Client not "
+                       "Registered with Model Event Manager\n"
+                       "ovmem: The server identity is empty, which the library "
+                       "takes for none. Name one with --server or "
+                       "OVMEM_SERVER.\n"}));
+}
+
+TEST_F(Failures, AfterRegisteringACommandThatLooksSaysThatItRegistered) {
+    const std::string registered =
+        "ovmem: 'pump' is registered at 'plant'; if it was not before, it "
+        "receives events from now on.\n";
+    for (const char* command : {"clients", "get"}) {
+        script(exchange("<r/>") + failingExchange(-3001, "Gone."));
+        EXPECT_EQ(as("pump").run({command}),
+                  (Outcome{2, "",
+                           registered +
+                               "ovmem: OvMEMConnectionException (0): Gone.\n"
+                               "ovmem: Check that the service can be reached, "
+                               "then try again.\n"}));
+    }
 }
 
 TEST_F(Failures, EventsThatCameBeforeTheFailureAreWritten) {

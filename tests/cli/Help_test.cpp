@@ -27,6 +27,17 @@ TEST_F(Help, EachCommandHasAHelpOfItsOwn) {
     }
 }
 
+TEST_F(Help, IsAskedForWithOneLetterToo) {
+    EXPECT_EQ(ovmem.run({"-h"}), (Outcome{0, expected("help"), ""}));
+    for (const std::string command :
+         {"status", "register", "clients", "put", "get", "unregister"}) {
+        const Outcome help = {0, expected("help-" + command), ""};
+        EXPECT_EQ(ovmem.run({command, "-h"}), help);
+        EXPECT_EQ(ovmem.run({"-h", command}), help);
+        EXPECT_EQ(ovmem.run({command, "--quiet", "-h"}), help);
+    }
+}
+
 TEST_F(Help, TheEnvironmentDoesNotChangeIt) {
     ovmem.set("OVMEM_SERVER", "plant").set("LC_ALL", "C");
     EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));

@@ -36,8 +36,16 @@ TEST(JsonObject, QuotesBackslashesAndControlCharactersAreEscaped) {
     JsonObject object;
     object.add("t", std::string("\"\\\n\r\t\b\x01\x1F\x7F\0/", 11));
     EXPECT_EQ(object.line(),
-              "{\"t\":\"\\\"\\\\\\n\\r\\t\\u0008\\u0001\\u001f\x7F\\u0000/\"}"
-              "\n");
+              "{\"t\":\"\\\"\\\\\\n\\r\\t\\u0008\\u0001\\u001f\\u007f"
+              "\\u0000/\"}\n");
+}
+
+TEST(JsonObject, OtherCharactersThatSteerATerminalAreEscapedToo) {
+    JsonObject object;
+    object.add("\u009B", "a\u0080\u009F\u00A0\u061C\u200E\u2028\u202E\u2069z");
+    EXPECT_EQ(object.line(),
+              "{\"\\u009b\":\"a\\u0080\\u009f\u00A0\\u061c\\u200e\\u2028"
+              "\\u202e\\u2069z\"}\n");
 }
 
 TEST(JsonObject, Utf8StaysAsItIs) {

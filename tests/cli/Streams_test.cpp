@@ -129,7 +129,10 @@ TEST_F(Streams, EventsAreSavedAmongTemporaryFilesWhereThereIsNoOtherPlace) {
 TEST_F(Streams, NothingIsSavedWhereNothingWasFetched) {
     script(exchange("<r/>") + exchange("") + exchange("<r/>"));
     EXPECT_EQ(as("pump").outputTo("/dev/full").run({"get"}),
-              (Outcome{0, "", "ovmem: Got 0 bytes.\n"}));
+              (Outcome{0, "",
+                       "ovmem: 'pump' is registered at 'plant'; if it was not "
+                       "before, it receives events from now on.\n"
+                       "ovmem: Got 0 bytes.\n"}));
 }
 
 TEST_F(StoreStreams, AClosedStandardOutputNeverBecomesTheStore) {

@@ -55,11 +55,6 @@ TEST_F(Usage, AnUnknownOptionIsRefused) {
                   "The following argument was not expected: --loud.", SEE_HELP);
 }
 
-TEST_F(Usage, AnOptionWithoutItsValueIsRefused) {
-    expectRefusal({"status", "--server"}, "--server: 1 required TEXT missing.",
-                  SEE_HELP);
-}
-
 TEST_F(Usage, RegisterNeedsAServer) {
     expectRefusal({"register", "--client", "pump"}, "register needs --server.",
                   "Give --server, or set OVMEM_SERVER.");
@@ -99,43 +94,9 @@ TEST_F(Usage, AValueThatIsTheWordNullIsRefused) {
                   "Give --client another value.");
 }
 
-TEST_F(Usage, AValueThatTheLocaleCannotExpressIsRefused) {
-    ovmem.set("LC_ALL", "C").set("OVMEM_CLIENT", "pump");
-    expectRefusal({"get", "--server", "Kühlwerk"},
-                  "--server is not text in the code page of the locale "
-                  "(ANSI_X3.4-1968).",
-                  "Set a locale that has its characters, for instance "
-                  "LC_ALL=C.UTF-8.");
-    ovmem.set("LC_ALL", "C.UTF-8");
-    expectRefusal({"get", "--server", "K\xFC"},
-                  "--server is not text in the code page of the locale "
-                  "(UTF-8).",
-                  "Set a locale that has its characters, for instance "
-                  "LC_ALL=C.UTF-8.");
-}
-
 TEST_F(Usage, StandardInputNamedTwiceIsRefused) {
     expectRefusal({"put", "-", "-"}, "Standard input is named twice.",
                   "Name '-' once.");
-}
-
-TEST_F(Usage, AnEventTextWithANulIsRefused) {
-    const std::string advice =
-        "Nothing was sent. Remove the NUL bytes, or send the data encoded, for "
-        "instance with base64.";
-    const std::string first = folder.write("first", "abc");
-    const std::string second = folder.write("second", std::string("de\0f", 4));
-    ovmem.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump");
-    expectRefusal({"put", first, second},
-                  "The byte at offset 2 of " + second +
-                      " is NUL; the transport carries texts and would drop "
-                      "what follows it.",
-                  advice);
-    ovmem.input(std::string("\0", 1));
-    expectRefusal({"put"},
-                  "The byte at offset 0 of standard input is NUL; the "
-                  "transport carries texts and would drop what follows it.",
-                  advice);
 }
 
 TEST_F(Usage, ErrorsAreJsonWhereJsonIsAskedFor) {

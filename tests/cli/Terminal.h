@@ -1,0 +1,36 @@
+#ifndef TESTS_CLI_TERMINAL_H
+#define TESTS_CLI_TERMINAL_H
+
+#include <string>
+
+namespace OvMemTest {
+
+// A terminal for a program under test: a pseudo terminal that passes every
+// byte on as it is.
+//
+//     Terminal terminal;
+//     program.outputTo(terminal.file()).run({"clients"});
+//     EXPECT_EQ(terminal.take(), "pump\n");
+class Terminal {
+public:
+    Terminal();
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    // What the program is to open.
+    const std::string& file() const { return path; }
+
+    // Everything that was written; at most 4095 bytes have room. To be called
+    // once, when no program uses the terminal any more.
+    std::string take();
+
+private:
+    int master;
+    int slave;
+    std::string path;
+};
+
+}  // namespace OvMemTest
+
+#endif

@@ -1,0 +1,67 @@
+#include "cli/TerminalText.h"
+
+#include <gtest/gtest.h>
+
+using namespace ovmem::cli;
+using namespace std::string_view_literals;
+
+namespace {
+
+const char32_t STEERING[][2] = {
+    {0x00, 0x1F},     {0x7F, 0x9F},     {0x61C, 0x61C},  {0x200E, 0x200F},
+    {0x2028, 0x2029}, {0x202A, 0x202E}, {0x2066, 0x2069}};
+
+bool isListed(char32_t code) {
+    for (const auto& range : STEERING) {
+        if (range[0] <= code && code <= range[1]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+TEST(TerminalText, ControlsOfEveryKindSteerATerminalAndNothingElse) {
+    for (char32_t code = 0; code <= 0x10FFFF; ++code) {
+        EXPECT_EQ(steersTerminal(code), isListed(code)) << std::hex << +code;
+    }
+}
+
+TEST(TerminalText, OrdinaryTextStays) {
+    EXPECT_EQ(escaped(""), "");
+    EXPECT_EQ(escaped("Ventil 'Süd' \"7\" 冷却 \U0001F40B ~"),
+              "Ventil 'Süd' \"7\" 冷却 \U0001F40B ~");
+    EXPECT_EQ(escaped("\u00A0\u061B\u200D\u2027\u202F\u2065\u206A"),
+              "\u00A0\u061B\u200D\u2027\u202F\u2065\u206A");
+}
+
+TEST(TerminalText, ControlsAreEscapedByteForByte) {
+    EXPECT_EQ(escaped("\0\t\n\r\x1B\x1F\x7F"sv),
+              "\\x00\\x09\\x0a\\x0d\\x1b\\x1f\\x7f");
+    EXPECT_EQ(escaped("\u0080\u009F"), "\\xc2\\x80\\xc2\\x9f");
+    EXPECT_EQ(escaped("\u061C"), "\\xd8\\x9c");
+    EXPECT_EQ(escaped("a\u200Eb\u202Ec\u2069"),
+              "a\\xe2\\x80\\x8eb\\xe2\\x80\\xaec\\xe2\\x81\\xa9");
+}
+
+TEST(TerminalText, BytesThatAreNotUtf8AreEscapedOneByOne) {
+    EXPECT_EQ(escaped("\xFF"), "\\xff");
+    EXPECT_EQ(escaped("a\xC3"), "a\\xc3");
+    EXPECT_EQ(escaped("\xE2\x82x"), "\\xe2\\x82x");
+    EXPECT_EQ(escaped("\x9B"
+                      "2J"),
+              "\\x9b2J");
+    EXPECT_EQ(escaped("\xF7\xBF\xBF\xBF"), "\\xf7\\xbf\\xbf\\xbf");
+}
+
+TEST(TerminalText, ABackslashIsDoubledSoThatNoNameLooksEscaped) {
+    EXPECT_EQ(escaped("\\x1b"), "\\\\x1b");
+}
+
+TEST(TerminalText, TheLinesOfAMessageAreIndented) {
+    EXPECT_EQ(escapedLines("a"), "a");
+    EXPECT_EQ(escapedLines("a\nb\n\x1B\nc"),
+              "a\n       b\n       \\x1b\n       c");
+    EXPECT_EQ(escapedLines("\n"), "\n       ");
+}
