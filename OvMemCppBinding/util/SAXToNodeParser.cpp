@@ -24,8 +24,7 @@ namespace {
 constexpr char substituteCharacter = 0x1A;
 
 // What the parts of a tree cost of its budget, without their texts. More than
-// their memory, for some take time: the XML library looks for every prefix
-// among all that are declared, and references come one by one.
+// their memory, for some take time: references come one by one.
 constexpr std::size_t elementPrice = 256;
 constexpr std::size_t attributePrice = 512;
 constexpr std::size_t textPrice = 64;
@@ -73,7 +72,7 @@ XMLNode* SAXToNodeParser::parseString(const std::string& xml) {
     xercesc::MemBufInputSource source(
         reinterpret_cast<const XMLByte*>(documentText),
         std::strlen(documentText) + 1, "From-String", false,
-        XMLPlatformUtils::fgMemoryManager);
+        &GuardedParse::memoryOf(guarded));
     source.setCopyBufToStream(false);
     reader->parse(source);
     return rootNode.get();
@@ -101,13 +100,18 @@ void SAXToNodeParser::prepareReader() {
     requirePlatform();
     budget = TreeBudget();
     highSurrogate = 0;
+    auto nextGuarded = GuardedParse::begin(budget);
     std::unique_ptr<xercesc::SAX2XMLReader> created(
         xercesc::XMLReaderFactory::createXMLReader(
-            XMLPlatformUtils::fgMemoryManager));
-    // Deliberate: the reader of an earlier parse is not deleted.
+            &GuardedParse::memoryOf(nextGuarded)));
+    // Deliberate: the reader of an earlier parse is not deleted. Under a guard
+    // its memory goes back all the same.
     // See docs/irregularities.md#one-parse-per-parser.
     static_cast<void>(reader.release());
+    guarded = std::move(nextGuarded);
     reader = std::move(created);
+    if (guarded)
+        guarded->watch(*reader);
     reader->setContentHandler(this);
     reader->setErrorHandler(this);
 }

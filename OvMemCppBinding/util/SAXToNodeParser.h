@@ -7,6 +7,7 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 
+#include "OvMemCppBinding/util/GuardedParse.h"
 #include "OvMemCppBinding/util/TreeBudget.h"
 #include "OvMemCppBinding/util/XMLNode.h"
 
@@ -78,6 +79,7 @@ private:
 
     std::unique_ptr<XMLNode> rootNode;
     XMLNode* currentNode;  // innermost open element; null outside the root
+    std::unique_ptr<GuardedParse> guarded;           // null without a guard
     std::unique_ptr<xercesc::SAX2XMLReader> reader;  // of the latest parse
     std::string reservedText;                        // empty
     std::string documentName;  // for the report of a missing document

@@ -8,6 +8,10 @@ namespace Orvane::Net::OvModelEventManager::Util {
 
 namespace {
 
+// Time in the coin of memory: a declaration is passed in about a nanosecond.
+constexpr std::size_t declarationPrice = 64;
+constexpr std::size_t declarationsPassedForOne = 8;
+
 std::size_t depthLimit = TreeBudget::unlimited;
 std::size_t bytesLimit = TreeBudget::unlimited;
 
@@ -43,6 +47,19 @@ void TreeBudget::spend(std::size_t bytes) {
             std::to_string(bytesLimit) + " bytes");
     }
     spent += bytes;
+}
+
+void TreeBudget::declare(std::size_t count) {
+    spend(declarationPrice * count);
+    declared += count;
+}
+
+void TreeBudget::undeclare(std::size_t count) {
+    declared -= count;
+}
+
+void TreeBudget::lookUp(std::size_t prefixes) {
+    spend(declared * prefixes / declarationsPassedForOne);
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Util

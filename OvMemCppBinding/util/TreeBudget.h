@@ -6,7 +6,8 @@
 
 namespace Orvane::Net::OvModelEventManager::Util {
 
-// What the tree of one document may come to.
+// What the tree of one document may come to, with the namespaces that the XML
+// library keeps and searches for it.
 //
 // There are no limits but those that an XmlPlatformGuard has set, for all
 // documents of the process.
@@ -33,9 +34,23 @@ public:
     // THROWS: DomException beyond the limit.
     void spend(std::size_t bytes);
 
+    // Namespace declarations begin and cease to be in scope.
+    //
+    // THROWS: DomException beyond the limit of bytes: each costs 64.
+    void declare(std::size_t count);
+    void undeclare(std::size_t count);
+
+    // The XML library looks for prefixes, each among all declarations in
+    // scope.
+    //
+    // THROWS: DomException beyond the limit of bytes: to pass eight
+    // declarations costs 1.
+    void lookUp(std::size_t prefixes);
+
 private:
     std::size_t depth = 0;
     std::size_t spent = 0;
+    std::size_t declared = 0;
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Util

@@ -1,5 +1,7 @@
 #include "OvMemCppBinding/util/XmlPlatformGuard.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <new>
@@ -13,6 +15,7 @@
 
 #include "OvMemCppBinding/util/DomException.h"
 #include "OvMemCppBinding/util/LimitedMemory.h"
+#include "OvMemCppBinding/util/ParseTime.h"
 #include "OvMemCppBinding/util/PlatformStart.h"
 #include "OvMemCppBinding/util/RestrictedFiles.h"
 #include "OvMemCppBinding/util/TreeBudget.h"
@@ -24,6 +27,9 @@ using xercesc::XMLPlatformUtils;
 namespace {
 
 constexpr std::size_t maxDepth = 1000;
+// The processor time of a parse, for each so much memory that is granted.
+constexpr std::chrono::milliseconds timeShare(750);
+constexpr std::size_t memoryShare = std::size_t{16} * 1024 * 1024;
 constexpr const char* dtdSwitch = "XERCES_DISABLE_DTD";
 
 // In place of the XML library's own, which ends the process.
@@ -35,6 +41,15 @@ public:
             getPanicReasonString(reason));
     }
 };
+
+// Never destroyed: the platform may outlive the guard, and whoever uses it may
+// do so while the process ends.
+xercesc::PanicHandler& panicHandler() {
+    alignas(ThrowingPanicHandler) static unsigned char
+        room[sizeof(ThrowingPanicHandler)];
+    static auto* const handler = new (room) ThrowingPanicHandler;
+    return *handler;
+}
 
 std::string realFolder(const std::string& folder) {
     std::error_code failed;
@@ -54,8 +69,9 @@ void requirePlatformNotRunning() {
     }
 }
 
-// The readers of the XML library ask the environment whether they are to
-// refuse DTDs. Afterwards it is what it was before.
+// The XML library asks the environment whether it is to refuse DTDs, so that
+// other users of it are under the rule as well. The parser does not rely on it:
+// the application may clear its environment. Afterwards it is what it was.
 class DtdsOff {
 public:
     DtdsOff() {
@@ -82,10 +98,8 @@ private:
 class PlatformHold {
 public:
     PlatformHold() {
-        // The platform may outlive the guard, and needs the handler as long.
-        static ThrowingPanicHandler panicHandler;
         LimitedMemory::instance().liftLimit();
-        startPlatform(&panicHandler, &LimitedMemory::instance());
+        startPlatform(&panicHandler(), &LimitedMemory::instance());
         if (XMLPlatformUtils::fgMemoryManager == nullptr) {
             throw DomException(
                 "XmlPlatformGuard: the XML parser platform failed to start "
@@ -97,14 +111,24 @@ public:
     PlatformHold& operator=(const PlatformHold&) = delete;
 };
 
-class TreeLimits {
+// A day is long enough, and nanoseconds can count it.
+std::chrono::milliseconds timeFor(std::size_t bytes) {
+    constexpr std::size_t most = std::chrono::hours(24) / timeShare;
+    return timeShare * std::clamp<std::size_t>(bytes / memoryShare, 1, most);
+}
+
+class ParseLimits {
 public:
-    explicit TreeLimits(std::size_t bytes) {
+    explicit ParseLimits(std::size_t bytes) {
         TreeBudget::setLimits(maxDepth, bytes);
+        ParseTime::setLimit(timeFor(bytes));
     }
-    ~TreeLimits() { TreeBudget::liftLimits(); }
-    TreeLimits(const TreeLimits&) = delete;
-    TreeLimits& operator=(const TreeLimits&) = delete;
+    ~ParseLimits() {
+        ParseTime::liftLimit();
+        TreeBudget::liftLimits();
+    }
+    ParseLimits(const ParseLimits&) = delete;
+    ParseLimits& operator=(const ParseLimits&) = delete;
 };
 
 void closeNetwork() {
@@ -127,7 +151,7 @@ public:
     Platform(const std::string& folder, std::size_t memoryLimit)
         : files(new (&LimitedMemory::instance())
                     RestrictedFiles(nullptr, folder)),
-          treeLimits(memoryLimit) {
+          parseLimits(memoryLimit) {
         closeNetwork();
         restrictFiles(std::move(files));
         LimitedMemory::instance().limitGrowth(memoryLimit);
@@ -136,7 +160,7 @@ public:
 private:
     DtdsOff dtdsOff;
     std::unique_ptr<RestrictedFiles> files;  // until the platform owns it
-    TreeLimits treeLimits;
+    ParseLimits parseLimits;
     PlatformHold hold;
 };
 

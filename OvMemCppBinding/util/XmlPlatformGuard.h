@@ -30,9 +30,11 @@ namespace Util {
 //   - a document with a DTD is refused, and with it every entity of its own;
 //   - the XML library holds no more memory than it was granted, on top of what
 //     the platform itself takes, and the tree of a document no more than as
-//     much again;
+//     much again; what a parse that fails took goes back as a whole;
 //   - a document nested deeper than 1000 elements is refused, since the time
 //     that the XML library takes grows with the square of the depth;
+//   - a parse that takes more than 750 ms of processor time is refused, or as
+//     many times 750 ms as 16 MiB were granted;
 //   - where the XML library would end the process, it throws DomException.
 //
 // Whatever a reply does then ends as a DomException; docs/errors.md lists the
@@ -43,8 +45,10 @@ namespace Util {
 //
 // Ownership: one for a process, held by the application from before its first
 // connection to after its last. The platform is the process's: another user of
-// the XML library in it is under the same rules. DTDs are switched off by the
-// environment variable XERCES_DISABLE_DTD, which child processes inherit.
+// the XML library in it is under the same rules as to files, network and
+// memory. As to DTDs it is by the environment variable XERCES_DISABLE_DTD,
+// which child processes inherit; without that variable our own parses refuse a
+// DTD all the same.
 //
 // Threads: construct and destroy it while no other thread uses the XML library
 // or the environment. Under it, connections may be used on several threads at
@@ -66,7 +70,7 @@ public:
 
     // Lets the platform go. Connections that still live keep it until the
     // first of them is destroyed, without network, files and more memory as
-    // before; DTDs, depth and size of a tree are no longer limited.
+    // before; DTDs, depth, time and size of a tree are no longer limited.
     ~XmlPlatformGuard();
 
 private:

@@ -37,8 +37,7 @@ protected:
         EXPECT_EQ(run.fate(), expected);
         EXPECT_EQ(run.thrown(),
                   expected.text.empty() ? "nothing" : "DomException");
-        // Refused memory at some points, the XML library loses what it held.
-        EXPECT_LE(run.lost(), 1000);
+        EXPECT_EQ(run.lost(), 0);
         if (measured) {
             EXPECT_LE(run.seconds(), guarded ? 1 : 20);
             EXPECT_LE(run.mebibytes(), 256);

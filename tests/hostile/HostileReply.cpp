@@ -34,7 +34,7 @@ std::vector<HostileReply> hostileReplies() {
     std::vector<HostileReply> all;
     for (const auto& table :
          {entityReplies(), encodingReplies(), characterReplies(),
-          syntaxReplies(), floodReplies()}) {
+          syntaxReplies(), floodReplies(), nameReplies()}) {
         all.insert(all.end(), table.begin(), table.end());
     }
     return all;
@@ -76,6 +76,12 @@ Fate depthLimit() {
     return {
         "XmlPlatformGuard: a document may be nested no deeper than 1000 "
         "elements"};
+}
+
+Fate timeLimit() {
+    return {
+        "XmlPlatformGuard: the XML library may take no more than 750 ms of "
+        "processor time for a document"};
 }
 
 Fate asking(Fate fate, int files, int sockets) {

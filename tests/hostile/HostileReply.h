@@ -44,6 +44,7 @@ std::vector<HostileReply> encodingReplies();
 std::vector<HostileReply> characterReplies();
 std::vector<HostileReply> syntaxReplies();
 std::vector<HostileReply> floodReplies();
+std::vector<HostileReply> nameReplies();
 
 // All of them.
 std::vector<HostileReply> hostileReplies();
@@ -65,6 +66,7 @@ Fate unexpected(const std::string& child);
 Fate libraryLimit();
 Fate treeLimit();
 Fate depthLimit();
+Fate timeLimit();
 Fate asking(Fate fate, int files, int sockets);
 
 // A reply that fares the same with and without the guard.

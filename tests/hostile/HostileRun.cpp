@@ -15,17 +15,15 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "OvMemCppBinding/client/OvMEMConnection.h"
 #include "OvMemCppBinding/util/LimitedMemory.h"
 #include "OvMemCppBinding/util/XmlPlatformGuard.h"
 #include "tests/hostile/NoFilesNoSockets.h"
+#include "tests/hostile/Registration.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/ScriptedPlatformTest.h"
 #include "tests/support/Thrown.h"
 
 namespace OvMemTest {
 
-using Orvane::Net::OvModelEventManager::Client::OvMEMConnection;
 using Orvane::Net::OvModelEventManager::Util::LimitedMemory;
 using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
@@ -33,11 +31,6 @@ namespace {
 
 constexpr rlim_t mayGrow = 256 << 20;
 constexpr rlim_t seconds = 20;
-
-void script(ScriptedTransport& transport, const std::vector<Piece>& pieces) {
-    transport.receive(19).receive(20).replyFrom(
-        [stream = PieceStream(pieces)]() mutable { return stream.next(); });
-}
 
 // Of this process, in pages: the address space and what of it is in memory.
 struct Pages {
@@ -69,32 +62,6 @@ double peakMebibytes() {
     return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-class Registration {
-public:
-    Registration() { platform.transport.init(0); }
-
-    Thrown run(const std::vector<Piece>& pieces) {
-        script(platform.transport, pieces);
-        return run();
-    }
-
-    Thrown run() {
-        std::string server = "plant";
-        std::string client = "pump";
-        std::string locale;
-        const Thrown thrown = thrownBy(
-            [&] { connection.registerClient(server, client, locale, shared); });
-        platform.transport.takeCalls();
-        return thrown;
-    }
-
-    ScriptedPlatform platform;
-    std::vector<std::string> shared;
-
-private:
-    OvMEMConnection connection;
-};
-
 // In the child. It leaves without looking for leaks, which takes files.
 int play(const HostileReply& reply, bool guarded) {
     std::setlocale(LC_ALL, "C.UTF-8");
@@ -104,9 +71,10 @@ int play(const HostileReply& reply, bool guarded) {
     }
     Registration registration;
     // So that whatever is loaded with the first parse is there.
-    registration.run({{identifier("first")}});
+    registration.script({{identifier("first")}});
+    registration.run();
     registration.shared.clear();
-    script(registration.platform.transport, reply.pieces);
+    registration.script(reply.pieces);
 
     const auto held = LimitedMemory::instance().held();
     forgetThePeak();

@@ -16,6 +16,8 @@ std::string inWords(const Event& event) {
                    connection;
         case Event::Use:
             return "use " + connection;
+        case Event::EndGuard:
+            return "end the guard";
         case Event::Destroy:
             break;
     }
@@ -111,6 +113,18 @@ std::vector<Order> allOrders() {
 
 std::vector<Order> allOrdersWithAnAssignment() {
     return Search(2, true).run();
+}
+
+std::vector<Order> allOrdersWithTheEndOfTheGuard() {
+    std::vector<Order> all;
+    for (const Order& order : allOrdersWithAnAssignment()) {
+        for (std::size_t before = 0; before < order.size(); ++before) {
+            Order& ended = all.emplace_back(order);
+            ended.insert(ended.begin() + static_cast<std::ptrdiff_t>(before),
+                         {Event::EndGuard, 0});
+        }
+    }
+    return all;
 }
 
 }  // namespace OvMemTest

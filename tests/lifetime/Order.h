@@ -8,9 +8,9 @@
 namespace OvMemTest {
 
 // Something that happens to one of some connections, which are numbered in
-// the order in which they come to be.
+// the order in which they come to be; or to the guard, whose life ends.
 struct Event {
-    enum Kind { Create, Copy, Assign, Use, Destroy };
+    enum Kind { Create, Copy, Assign, Use, Destroy, EndGuard };
 
     Kind kind;
     std::size_t connection;
@@ -30,6 +30,9 @@ std::vector<Order> allOrders();
 // The same of two connections, in which besides, once while both are alive,
 // one is assigned to the other, which may then be used, even again.
 std::vector<Order> allOrdersWithAnAssignment();
+
+// Each of these, and in each the end of the guard before each of its events.
+std::vector<Order> allOrdersWithTheEndOfTheGuard();
 
 }  // namespace OvMemTest
 

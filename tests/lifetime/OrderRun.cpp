@@ -2,6 +2,9 @@
 
 #include <vector>
 
+#include <xercesc/util/PanicHandler.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
 #include "tests/support/SystemCheck.h"
 #include "tests/support/Thrown.h"
 
@@ -11,15 +14,23 @@ namespace {
 
 const Thrown notInitialised{"DomException", 0,
                             "XML parser platform is not initialised"};
+const Thrown panicked{"DomException", 0,
+                      "XmlPlatformGuard: the XML library cannot go on: Cannot "
+                      "create, lock or unlock a mutex"};
 const std::string reply = "<r><sharedClients>valve</sharedClients></r>";
 
 }  // namespace
 
+OrderRun::OrderRun(bool heldByGuard) : startedByGuard(heldByGuard) {
+    if (heldByGuard) {
+        guard.emplace();
+    }
+}
+
 std::string OrderRun::complaints(const Order& order) {
     for (const Event& event : order) {
         happen(event);
-        expect(xmlPlatformRuns() == platformRuns(),
-               "the platform is not as it should be");
+        lookAtThePlatform();
         if (!complaint.empty()) {
             return complaint + " after: " + inWords({&event, &event + 1});
         }
@@ -53,6 +64,9 @@ void OrderRun::happen(const Event& event) {
             slot.connection.reset();
             ready = false;
             break;
+        case Event::EndGuard:
+            guard.reset();
+            break;
     }
 }
 
@@ -78,6 +92,19 @@ void OrderRun::use(Slot& slot) {
     } else {
         expect(thrown == notInitialised, "not thrown as documented");
         expect(shared.empty(), "there are identifiers without a parser");
+    }
+}
+
+void OrderRun::lookAtThePlatform() {
+    expect(xmlPlatformRuns() == platformRuns(),
+           "the platform is not as it should be");
+    startedByGuard = startedByGuard && platformRuns();
+    if (startedByGuard) {
+        expect(thrownBy([] {
+                   xercesc::XMLPlatformUtils::panic(
+                       xercesc::PanicHandler::Panic_MutexErr);
+               }) == panicked,
+               "a panic is not an exception");
     }
 }
 

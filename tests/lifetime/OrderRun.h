@@ -3,9 +3,11 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "OvMemCppBinding/client/OvMEMConnection.h"
+#include "OvMemCppBinding/util/XmlPlatformGuard.h"
 #include "tests/lifetime/Order.h"
 #include "tests/support/ScriptedPlatformTest.h"
 
@@ -13,10 +15,11 @@ namespace OvMemTest {
 
 // Lives through one order, beside a model of what is documented: the first
 // connection created starts the platform, the first one destroyed ends it,
-// unless it is held by a guard.
+// unless it is held by a guard. As long as a platform lasts that a guard
+// started, its panics are exceptions.
 class OrderRun {
 public:
-    explicit OrderRun(bool heldByGuard) : guarded(heldByGuard) {}
+    explicit OrderRun(bool heldByGuard);
 
     // Empty, or what was not as documented.
     std::string complaints(const Order& order);
@@ -32,11 +35,14 @@ private:
 
     void happen(const Event& event);
     void use(Slot& slot);
-    bool platformRuns() const { return guarded || ready; }
+    bool platformRuns() const { return guard || ready; }
+    void lookAtThePlatform();
     void expect(bool truth, const std::string& what);
 
-    const bool guarded;
+    std::optional<Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard>
+        guard;
     bool ready = false;
+    bool startedByGuard;
     std::array<Slot, 3> slots;
     ScriptedPlatform platform;
     std::string complaint;

@@ -1,14 +1,12 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "OvMemCppBinding/util/XmlPlatformGuard.h"
 #include "tests/lifetime/Order.h"
 #include "tests/lifetime/OrderRun.h"
 #include "tests/support/ChildProcess.h"
@@ -17,15 +15,10 @@ namespace OvMemTest {
 
 namespace {
 
-using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 using Orders = std::vector<Order>;
 
 // In a child.
 int live(const Order& order, bool guarded) {
-    std::optional<XmlPlatformGuard> guard;
-    if (guarded) {
-        guard.emplace();
-    }
     const std::string complaints = OrderRun(guarded).complaints(order);
     std::cout << (complaints.empty() ? "as documented" : complaints);
     return 0;
@@ -86,6 +79,9 @@ TEST(Orders, AreAllDifferentAndMany) {
     expectAllDifferent(allOrdersWithAnAssignment(), 230,
                        "create 0, create 1, use 1, assign 0 to 1, use 1, "
                        "destroy 1, use 0, destroy 0");
+    expectAllDifferent(allOrdersWithTheEndOfTheGuard(), 1618,
+                       "create 0, copy 0 to 1, end the guard, assign 1 to 0, "
+                       "use 0, destroy 0, use 1, destroy 1");
 }
 
 TEST(Orders, WithoutAGuardTheFirstDestroyedEndsThePlatformInEach) {
@@ -94,6 +90,10 @@ TEST(Orders, WithoutAGuardTheFirstDestroyedEndsThePlatformInEach) {
 
 TEST(Orders, WithTheGuardThePlatformStaysInEach) {
     liveAll(allOrders(), true);
+}
+
+TEST(Orders, WithTheGuardGoneTheFirstDestroyedEndsThePlatformInEach) {
+    liveAll(allOrdersWithTheEndOfTheGuard(), true);
 }
 
 TEST(Orders, AnAssignmentNeitherStartsNorEndsThePlatform) {

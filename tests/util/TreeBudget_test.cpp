@@ -88,6 +88,26 @@ TEST_F(TreeBudgetTest, TheWholeBudgetMayBeSpentAndNoMore) {
               larger("10"));
 }
 
+TEST_F(TreeBudgetTest, ANamespaceDeclarationCosts64Bytes) {
+    TreeBudget::setLimits(0, 640);
+    budget.declare(9);
+    EXPECT_EQ(thrownBy([this] { budget.declare(2); }), larger("640"));
+    budget.declare(1);
+}
+
+// Of the 1000 declarations in scope, eight are passed for a byte.
+TEST_F(TreeBudgetTest, ToLookUpAPrefixCostsByTheDeclarationsInScope) {
+    TreeBudget::setLimits(0, 64000 + 125 + 250);
+    budget.lookUp(1000000);
+    budget.declare(1000);
+    budget.lookUp(1);
+    EXPECT_EQ(thrownBy([this] { budget.lookUp(3); }), larger("64375"));
+    budget.undeclare(1000);
+    budget.lookUp(1000000);
+    EXPECT_EQ(thrownBy([this] { budget.spend(251); }), larger("64375"));
+    budget.spend(250);
+}
+
 TEST_F(TreeBudgetTest, EachBudgetIsOneDocuments) {
     TreeBudget::setLimits(1, 10);
     budget.enter();

@@ -1,8 +1,10 @@
 #include "OvMemCppBinding/util/XmlPlatformGuard.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,25 +16,23 @@
 #include <xercesc/util/XMLNetAccessor.hpp>
 
 #include "OvMemCppBinding/client/OvMEMConnection.h"
-#include "OvMemCppBinding/util/LimitedMemory.h"
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/RunInChild.h"
 #include "tests/support/SystemCheck.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"
+#include "tests/util/GuardedParsing.h"
 #include "tests/util/XmlPlatform.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
 
 namespace {
 
 using Orvane::Net::OvModelEventManager::Client::OvMEMConnection;
-using Orvane::Net::OvModelEventManager::Util::LimitedMemory;
 using Orvane::Net::OvModelEventManager::Util::SAXToNodeParser;
 using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
+using OvMemTest::domException;
 using OvMemTest::nothingThrown;
+using OvMemTest::parsing;
 using OvMemTest::runInChild;
 using OvMemTest::Thrown;
 using OvMemTest::thrownBy;
@@ -47,14 +47,6 @@ const Thrown notInitialised{"DomException", 0,
 const Thrown dtdRefused{"DomException", 0,
                         "Fatal Error: parsing: From-String: line 1, char 10\n"
                         "Message: invalid document structure\n"};
-
-Thrown domException(const std::string& text) {
-    return {"DomException", 0, "XmlPlatformGuard: " + text};
-}
-
-Thrown parsing(const std::string& xml) {
-    return thrownBy([&xml] { SAXToNodeParser().parseString(xml); });
-}
 
 Thrown parsingFile(const std::string& name) {
     return thrownBy([&name] { SAXToNodeParser().parseFile(name); });
@@ -81,24 +73,6 @@ public:
 
 private:
     OvMemTest::TemporaryFolder folder;
-};
-
-// The leak sanitizer looks away.
-class LossesAllowed {
-public:
-#if defined(__SANITIZE_ADDRESS__)
-    LossesAllowed() {
-        __lsan_disable();
-    }
-    ~LossesAllowed() {
-        __lsan_enable();
-    }
-#else
-    LossesAllowed() {}
-    ~LossesAllowed() {}
-#endif
-    LossesAllowed(const LossesAllowed&) = delete;
-    LossesAllowed& operator=(const LossesAllowed&) = delete;
 };
 
 Thrown missing(const std::string& name) {
@@ -247,97 +221,22 @@ TEST(XmlPlatformGuard, TakesTheNetworkAway) {
     });
 }
 
-TEST(XmlPlatformGuard, LimitsTheMemoryOfTheXmlLibrary) {
-    runInChild([] {
-        const XmlPlatformGuard guard(1000000);
-        const std::size_t before = LimitedMemory::instance().held();
-        const Thrown tooMuch =
-            domException("the XML library may hold no more than 1000000 bytes");
-        EXPECT_EQ(parsing("<r/>"), nothingThrown);
-        for (int time = 0; time < 3; ++time) {
-            EXPECT_EQ(parsing("<" + std::string(1000000, 'r') + "/>"), tooMuch);
-            EXPECT_EQ(LimitedMemory::instance().held(), before);
-        }
-        EXPECT_EQ(parsing("<r/>"), nothingThrown);
-    });
-}
-
-// Cut short at some points, the XML library loses what it held there.
-TEST(XmlPlatformGuard, WhereverTheLimitIsMetADocumentEndsInAnException) {
-    runInChild([] {
-        const LossesAllowed allowed;
-        const XmlPlatformGuard guard;
-        const std::string element =
-            "<p:r xmlns:p='urn:p' a='&lt;'><![CDATA[x]]><!-- c --><?p i?>"
-            "&#xE9;</p:r>";
-        const std::string good = "<?xml version='1.0'?>" + element;
-        const std::string bad = "<?xml encoding='UTF-16BE'?>" + element;
-        std::size_t limit = 0;
-        for (bool enough = false; !enough; limit += 256) {
-            LimitedMemory::instance().limitGrowth(limit);
-            const Thrown thrown = parsing(good);
-            enough = thrown == nothingThrown;
-            ASSERT_TRUE(enough ||
-                        thrown ==
-                            domException("the XML library may hold no "
-                                         "more than " +
-                                         std::to_string(limit) + " bytes"))
-                << thrown;
-            ASSERT_EQ(parsing(bad).type, "DomException") << limit;
-        }
-        EXPECT_GT(limit, 100000U);
-    });
-}
-
-TEST(XmlPlatformGuard, LimitsTheTreeByAsMuch) {
-    runInChild([] {
-        const XmlPlatformGuard guard(1000000);
-        const auto list = [](int count) {
-            std::string xml = "<r>";
-            for (int i = 0; i < count; ++i) {
-                xml += "<c>" + std::string(1000, 'x') + "</c>";
-            }
-            return xml + "</r>";
-        };
-        EXPECT_EQ(parsing(list(1000)),
-                  domException("the tree of a document may hold no more than "
-                               "1000000 bytes"));
-        EXPECT_EQ(parsing(list(700)), nothingThrown);
-    });
-}
-
-TEST(XmlPlatformGuard, LimitsTheDepthUntilItsEnd) {
+TEST(XmlPlatformGuard, RefusesDocumentTypesEvenWithoutTheEnvironment) {
     runInChild([] {
         std::optional<XmlPlatformGuard> guard(std::in_place);
         const OvMEMConnection connection;
-        std::string deep;
-        for (int i = 0; i < 1001; ++i) {
-            deep = "<r>" + deep + "</r>";
+        ::clearenv();
+        for (const char* const xml :
+             {withDtd, "<!DOCTYPE r []><r/>", "<!DOCTYPE r SYSTEM 'd'><r/>",
+              "<!DOCTYPE r PUBLIC 'p' 'd' [<!ENTITY % p SYSTEM 'p'> %p;]>"}) {
+            EXPECT_EQ(parsing(xml),
+                      domException("a document may have no document type"));
         }
-        EXPECT_EQ(parsing(deep),
-                  domException("a document may be nested no deeper than 1000 "
-                               "elements"));
-        EXPECT_EQ(parsing(deep.substr(3, deep.size() - 7)), nothingThrown);
+        // One that declares nothing, here or elsewhere.
+        EXPECT_EQ(parsing("<!DOCTYPE r><r/>"), nothingThrown);
+        EXPECT_EQ(parsing("<r><!-- c --><![CDATA[x]]></r>"), nothingThrown);
         guard.reset();
-        EXPECT_EQ(parsing(deep), nothingThrown);
-    });
-}
-
-TEST(XmlPlatformGuard, ItsDefaultLimitIs16MiB) {
-    runInChild([] {
-        const XmlPlatformGuard guard;
-        EXPECT_EQ(parsing("<r>" + std::string(17000000, 'x') + "</r>"),
-                  domException("the tree of a document may hold no more than "
-                               "16777216 bytes"));
-    });
-}
-
-TEST(XmlPlatformGuard, AFolderComesWithTheSameLimits) {
-    runInChild([] {
-        const XmlPlatformGuard guard("/");
-        EXPECT_EQ(parsing("<r>" + std::string(17000000, 'x') + "</r>"),
-                  domException("the tree of a document may hold no more than "
-                               "16777216 bytes"));
+        EXPECT_EQ(parsing(withDtd), nothingThrown);
     });
 }
 
@@ -352,6 +251,29 @@ TEST(XmlPlatformGuard, TurnsAPanicIntoAnException) {
                          "create, lock or unlock a mutex"));
         EXPECT_EQ(parsing("<r/>"), nothingThrown);
     });
+}
+
+// What was registered before the guard runs after the end of its statics. The
+// platform still runs then.
+TEST(XmlPlatformGuard, APanicWhileTheProcessEndsIsStillAnException) {
+    OvMemTest::ChildProcess child([] {
+        std::atexit([] {
+            std::cout << thrownBy([] {
+                             XMLPlatformUtils::panic(
+                                 xercesc::PanicHandler::Panic_MutexErr);
+                         }).message
+                      << std::flush;
+        });
+        static const auto* const guard = new XmlPlatformGuard;
+        static_cast<void>(guard);
+        std::exit(0);
+        return 1;
+    });
+    EXPECT_TRUE(child.awaitEnd(std::chrono::minutes(1)));
+    EXPECT_EQ(child.exitStatus(), 0) << child.errors();
+    EXPECT_EQ(child.output(),
+              "XmlPlatformGuard: the XML library cannot go on: Cannot create, "
+              "lock or unlock a mutex");
 }
 
 TEST(XmlPlatformGuard, LeavesTheEnvironmentAsItWas) {
