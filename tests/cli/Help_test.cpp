@@ -27,6 +27,15 @@ TEST_F(Help, EachCommandHasAHelpOfItsOwn) {
     }
 }
 
+TEST_F(Help, EachCommandOfRescueHasAHelpOfItsOwn) {
+    EXPECT_EQ(ovmem.run({"rescue", "--help"}),
+              (Outcome{0, expected("help-rescue"), ""}));
+    for (const std::string command : {"list", "show", "put-back"}) {
+        EXPECT_EQ(ovmem.run({"rescue", command, "--help"}),
+                  (Outcome{0, expected("help-rescue-" + command), ""}));
+    }
+}
+
 TEST_F(Help, TheEnvironmentDoesNotChangeIt) {
     ovmem.set("OVMEM_SERVER", "plant").set("LC_ALL", "C");
     EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));
