@@ -17,7 +17,7 @@ namespace {
 const int NUDGE = SIGURG;
 
 const SignalWatch::Duration LEAST_FOR_SAVING{5000};
-const SignalWatch::Duration ECHO{100};
+const SignalWatch::Duration ECHO{250};
 const SignalWatch::Duration BETWEEN_NUDGES{20};
 
 void ignoreNudge(int /*signal*/) {}

@@ -30,7 +30,7 @@ namespace ovmem::cli {
 //     Delivering             isOver() becomes true
 //     Saving                 as Asking; there are at least five seconds for it
 //
-// The same signal again within a tenth of a second counts as one: timeout(1)
+// The same signal again within a quarter of a second counts as one: timeout(1)
 // signals its child and then its whole group.
 //
 // Threads: the signals are blocked, and a thread waits for them, so that no

@@ -1,5 +1,5 @@
+#include <chrono>
 #include <csignal>
-#include <filesystem>
 
 #include "tests/cli/FaultyCliTest.h"
 
@@ -7,7 +7,6 @@ using OvMemTest::exchange;
 using OvMemTest::failingExchange;
 using OvMemTest::Outcome;
 using OvMemTest::Program;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -93,12 +92,21 @@ TEST_F(Stopping, APipeThatDoesNotBlockIsGivenUpInTheSameWay) {
 }
 
 TEST_F(Stopping, TheSameSignalAtOnceAgainIsNoSecondOne) {
-    auto running = startBlocked(getterOf(manyEvents), "100");
-    running.waitUntil([&] { return running.outputIsFull(); });
-    running.signal(SIGTERM);
-    running.signal(SIGTERM);
-    EXPECT_EQ(running.waitForEnd(),
-              (Outcome{143, manyEvents, delivered("SIGTERM")}));
+    using Clock = std::chrono::steady_clock;
+    bool atOnce = false;
+    for (int attempt = 0; !atOnce && attempt < 50; ++attempt) {
+        auto running = startBlocked(getterOf(manyEvents), "100");
+        running.waitUntil([&] { return running.outputIsFull(); });
+        const auto begin = Clock::now();
+        running.signal(SIGTERM);
+        running.signal(SIGTERM);
+        atOnce = Clock::now() - begin < std::chrono::milliseconds(50);
+        if (atOnce) {
+            EXPECT_EQ(running.waitForEnd(),
+                      (Outcome{143, manyEvents, delivered("SIGTERM")}));
+        }
+    }
+    EXPECT_TRUE(atOnce) << "The machine is too busy.";
 }
 
 TEST_F(Stopping, TheSameSignalLaterIsASecondOne) {
@@ -106,9 +114,9 @@ TEST_F(Stopping, TheSameSignalLaterIsASecondOne) {
     running.waitUntil([&] { return running.outputIsFull(); });
     running.waitUntil([&] {
         running.send(SIGTERM);
-        return !savedFiles().empty();
+        return running.hasEnded();
     });
-    EXPECT_EQ(running.waitForEndUnread().exitCode, 143);
+    EXPECT_EQ(running.waitForEnd().exitCode, 143);
 }
 
 TEST_F(Stopping, TheAnswerOfTheServiceIsAwaitedAndDelivered) {
