@@ -118,20 +118,18 @@ ExitCode Session::put() {
 }
 
 ExitCode Session::get() {
-    std::optional<SignalWatch> watch(std::in_place, options.grace, reporter);
+    SignalWatch watch(options.grace, reporter);
     try {
-        fetch(*watch);
+        fetch(watch);
         return ExitCode::Done;
     } catch (...) {
-        const int signal = watch->signal();
-        if (signal == 0) {
-            throw;
-        }
-        // Whatever else went wrong, it was also told to stop. From here on a
-        // signal ends it, should nobody take the report.
+        // Reported here and not by the caller: a signal must not come between
+        // saving the events and saying where.
         ErrorReport error = reportCurrentException();
-        watch.reset();
-        error.exitCode = exitCodeOfSignal(signal);
+        watch.enter(SignalWatch::Phase::Telling);
+        if (watch.signal() != 0) {
+            error.exitCode = exitCodeOfSignal(watch.signal());
+        }
         reporter.report(error);
         return error.exitCode;
     }
@@ -158,6 +156,7 @@ void Session::fetch(SignalWatch& watch) {
         throw;
     }
     writeEvents(events, watch);
+    watch.enter(SignalWatch::Phase::Telling);
     const std::string size = count(events.size(), "byte");
     if (watch.signal() != 0) {
         throw stopped(watch, "after all events (" + size + ") were written",

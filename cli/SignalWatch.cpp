@@ -53,6 +53,7 @@ Failure endedIn(SignalWatch::Phase phase, int signal) {
                     "lost. If not, they still wait for the client."};
         case SignalWatch::Phase::Delivering:
         case SignalWatch::Phase::Saving:
+        case SignalWatch::Phase::Telling:
             break;
     }
     return {code, text + " before the events were saved.",
@@ -67,16 +68,14 @@ SignalWatch::SignalWatch(Duration graceAfterSignal, const Reporter& voice)
     : grace(graceAfterSignal),
       reporter(voice),
       writer(pthread_self()),
-      waitedFor(signalsToWatch()),
-      formerMask(),
-      formerNudge() {
+      waitedFor(signalsToWatch()) {
     sigaddset(&waitedFor, NUDGE);
     // The thread is started with all of them blocked, and this one is nudged.
-    pthread_sigmask(SIG_BLOCK, &waitedFor, &formerMask);
+    pthread_sigmask(SIG_BLOCK, &waitedFor, nullptr);
     try {
         thread = std::thread(&SignalWatch::watch, this);
     } catch (const std::system_error& error) {
-        pthread_sigmask(SIG_SETMASK, &formerMask, nullptr);
+        pthread_sigmask(SIG_UNBLOCK, &waitedFor, nullptr);
         throw Failure{ExitCode::InputOutput,
                       std::string("Cannot start a thread that watches for "
                                   "signals: ") +
@@ -85,7 +84,7 @@ SignalWatch::SignalWatch(Duration graceAfterSignal, const Reporter& voice)
     }
     struct sigaction nudged = {};
     nudged.sa_handler = ignoreNudge;  // without SA_RESTART
-    sigaction(NUDGE, &nudged, &formerNudge);
+    sigaction(NUDGE, &nudged, nullptr);
     sigset_t nudge;
     sigemptyset(&nudge);
     sigaddset(&nudge, NUDGE);
@@ -99,8 +98,6 @@ SignalWatch::~SignalWatch() {
     }
     pthread_kill(thread.native_handle(), NUDGE);
     thread.join();
-    sigaction(NUDGE, &formerNudge, nullptr);
-    pthread_sigmask(SIG_SETMASK, &formerMask, nullptr);
 }
 
 void SignalWatch::enter(Phase next) {
@@ -108,6 +105,11 @@ void SignalWatch::enter(Phase next) {
     phase = next;
     if (phase == Phase::Saving && first != 0) {
         deadline = Clock::now() + std::max(grace, LEAST_FOR_SAVING);
+    }
+    if (phase == Phase::Telling) {
+        // If it was told to stop, it does not wait long for a reader.
+        stopped = first != 0;
+        deadline.reset();
     }
 }
 
@@ -168,7 +170,7 @@ std::optional<SignalWatch::Duration> SignalWatch::untilNext() const {
 
 void SignalWatch::hear(int number) {
     const auto now = Clock::now();
-    if (number == latest && now < latestAt + ECHO) {
+    if (stopped || (number == latest && now < latestAt + ECHO)) {
         return;
     }
     latest = number;
@@ -178,8 +180,8 @@ void SignalWatch::hear(int number) {
         return;
     }
     first = number;
-    const bool saving = phase == Phase::Saving;
-    deadline = now + (saving ? std::max(grace, LEAST_FOR_SAVING) : grace);
+    const bool saved = phase == Phase::Saving || phase == Phase::Telling;
+    deadline = now + (saved ? std::max(grace, LEAST_FOR_SAVING) : grace);
 }
 
 void SignalWatch::hurry() {
@@ -192,9 +194,10 @@ void SignalWatch::hurry() {
 }
 
 void SignalWatch::endNow() const {
-    const Failure failure = endedIn(phase, first);
-    reporter.report(reportFailure(failure));
-    _exit(static_cast<int>(failure.exitCode));
+    if (phase != Phase::Telling) {
+        reporter.report(reportFailure(endedIn(phase, first)));
+    }
+    _exit(static_cast<int>(exitCodeOfSignal(first)));
 }
 
 }  // namespace ovmem::cli

@@ -29,6 +29,8 @@ namespace ovmem::cli {
 //     Registering, Asking    ovmem says what may be lost and ends at once
 //     Delivering             isOver() becomes true
 //     Saving                 as Asking; there are at least five seconds for it
+//     Telling                the same, without a word; nothing, if the first
+//                            one came before
 //
 // The same signal again within a quarter of a second counts as one: timeout(1)
 // signals its child and then its whole group.
@@ -38,7 +40,7 @@ namespace ovmem::cli {
 // on the thread that writes, before any other thread is started; one at a time.
 class SignalWatch {
 public:
-    enum class Phase { Registering, Asking, Delivering, Saving };
+    enum class Phase { Registering, Asking, Delivering, Saving, Telling };
     using Duration = std::chrono::milliseconds;
 
     // Begins to watch, in the phase Registering. The reporter is borrowed.
@@ -46,7 +48,7 @@ public:
     // THROWS: Failure with ExitCode::InputOutput without a thread.
     SignalWatch(Duration grace, const Reporter& reporter);
 
-    // Signals have their former effect again, also one that has just come.
+    // The signals have no effect from now on: the program is about to end.
     ~SignalWatch();
 
     SignalWatch(const SignalWatch&) = delete;
@@ -76,13 +78,12 @@ private:
     const Reporter& reporter;
     const pthread_t writer;
     sigset_t waitedFor;
-    sigset_t formerMask;
-    struct sigaction formerNudge;
 
     mutable std::mutex mutex;  // guards what follows
     Phase phase = Phase::Registering;
     bool finished = false;
     bool over = false;
+    bool stopped = false;  // before Telling
     int first = 0;
     int latest = 0;
     Clock::time_point latestAt;

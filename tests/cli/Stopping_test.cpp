@@ -236,6 +236,46 @@ TEST_F(Stopping, ASecondSignalWhileSavingEndsIt) {
               (Outcome{0, "", "ovmem: No events are saved.\n"}));
 }
 
+TEST_F(Stopping, ASignalAfterSavingDoesNotKeepTheReportBack) {
+    auto running = getterOf(manyEvents, "write errors 1 hang -")
+                       .pipeOutput()
+                       .start({"get", "--grace=0"});
+    running.waitUntil([&] { return running.outputIsFull(); });
+    running.signal(SIGTERM);
+    waitForHang(running);
+    running.signal(SIGINT);
+    running.signal(SIGHUP);
+    goOn();
+    const Outcome outcome = running.waitForEndUnread();
+    EXPECT_EQ(outcome,
+              (Outcome{143, manyEvents.substr(0, 65536), cut("SIGTERM")}));
+}
+
+TEST_F(Stopping, AFirstSignalAfterSavingDoesNotKeepTheReportBack) {
+    auto running = getterOf("the events", "write errors 1 hang -")
+                       .outputTo("/dev/full")
+                       .start({"get", "--grace=99"});
+    waitForHang(running);
+    running.signal(SIGTERM);
+    goOn();
+    const Outcome outcome = running.waitForEnd();
+    EXPECT_EQ(outcome,
+              (Outcome{9, "",
+                       "ovmem: input/output: Cannot write the events to "
+                       "standard output: No space left on device; it has taken "
+                       "0 of 10 bytes.\n" +
+                           saved("the events", savedFile("the events"))}));
+}
+
+TEST_F(Stopping, AReportThatNobodyTakesIsLeftAtTheSecondSignal) {
+    auto running =
+        getterOf("e", "write errors 1 hang -").start({"get", "--grace=99"});
+    waitForHang(running);
+    running.signal(SIGTERM);
+    running.signal(SIGINT);
+    EXPECT_EQ(running.waitForEnd(), (Outcome{143, "e", ""}));
+}
+
 TEST_F(Stopping, WithoutGraceThereIsStillTimeForSaving) {
     auto running = getterOf(manyEvents, "fsync - 1 hang -")
                        .pipeOutput()
