@@ -38,12 +38,15 @@ Progress makeAndWrite(const std::string& events,
 }
 
 std::string reasonOf(const Progress& progress, const SignalWatch& watch) {
-    const std::string reason =
-        watch.isOver() ? "Stopped by " + nameOfSignal(watch.signal())
-                       : "Cannot write the events to standard output: " +
-                             std::string(std::strerror(progress.written.error));
-    return reason + "; it has taken " + std::to_string(progress.written.bytes) +
-           " of " + std::to_string(progress.size) + " bytes.";
+    const std::string start =
+        watch.isOver()
+            ? "Stopped by " + nameOfSignal(watch.signal()) +
+                  "; standard output has taken "
+            : "Cannot write the events to standard output: " +
+                  std::string(std::strerror(progress.written.error)) +
+                  "; it has taken ";
+    return start + std::to_string(progress.written.bytes) + " of " +
+           std::to_string(progress.size) + " bytes.";
 }
 
 std::string fateOf(const std::string& events, const Rescue& rescue) {

@@ -18,7 +18,9 @@ const char PERMITTED[] = "0123456789.TZof-";
 
 void addPlace(std::vector<fs::path>& places, const fs::path& place) {
     std::error_code failed;
-    const fs::path absolute = fs::absolute(place, failed).lexically_normal();
+    // Without a slash at the end.
+    const fs::path absolute =
+        (fs::absolute(place, failed) / "").lexically_normal().parent_path();
     const bool known =
         std::find(places.begin(), places.end(), absolute) != places.end();
     if (!place.empty() && !failed && !known) {

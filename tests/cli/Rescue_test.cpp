@@ -70,6 +70,17 @@ TEST_F(Rescue, ListWritesTheFilesOfAllPlacesInTheOrderOfTheirTimes) {
                        "ovmem: Saved events: 5.\n"}));
 }
 
+TEST_F(Rescue, APlaceThatIsTwoOfThemIsListedOnce) {
+    const std::string temporary = folder.file("temporary");
+    write(temporary + "/" + THIRD, "");
+    ovmem.set("TMPDIR", temporary + "/../temporary/");
+    EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}),
+              (Outcome{0,
+                       line(FIRST, "6", place) + line(SECOND, "7", place) +
+                           line(THIRD, "0", temporary),
+                       ""}));
+}
+
 TEST_F(Rescue, ListWithJsonWritesOneObject) {
     fs::remove(place + "/" + SECOND);
     EXPECT_EQ(ovmem.run({"rescue", "list", "--json"}),

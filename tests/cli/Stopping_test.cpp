@@ -30,8 +30,9 @@ protected:
 
     std::string cut(const std::string& name) const {
         return "ovmem: stopped: Stopped by " + name +
-               "; it has taken 65536 of " + std::to_string(manyEvents.size()) +
-               " bytes.\n" + saved(manyEvents, savedFile(manyEvents));
+               "; standard output has taken 65536 of " +
+               std::to_string(manyEvents.size()) + " bytes.\n" +
+               saved(manyEvents, savedFile(manyEvents));
     }
 };
 
@@ -78,6 +79,24 @@ TEST_F(Stopping, TheEndOfTheGraceSavesWhatTheReaderHasNotTaken) {
     const Outcome outcome = running.waitForEndUnread();
     EXPECT_EQ(outcome,
               (Outcome{129, manyEvents.substr(0, 65536), cut("SIGHUP")}));
+}
+
+TEST_F(Stopping, WritingALargeFileIsGivenUpBetweenTwoMebibytes) {
+    const std::string events(2500000, 'e');
+    auto running =
+        getterOf(events, "write output 2 hang -").start({"get", "--grace=99"});
+    waitForHang(running);
+    running.signal(SIGTERM);
+    running.signal(SIGINT);
+    goOn();
+    const Outcome outcome = running.waitForEnd();
+    EXPECT_EQ(
+        outcome,
+        (Outcome{143, events.substr(0, 2097152),
+                 "ovmem: stopped: Stopped by SIGTERM; standard output has "
+                 "taken "
+                 "2097152 of 2500000 bytes.\n" +
+                     saved(events, savedFile(events))}));
 }
 
 TEST_F(Stopping, APipeThatDoesNotBlockIsGivenUpInTheSameWay) {
@@ -202,7 +221,7 @@ TEST_F(Stopping, AReaderThatGoesAfterTheSignalLeavesTheEventsSaved) {
 TEST_F(Stopping, ASignalWhileSavingWaitsUntilItIsSaved) {
     auto running = getterOf("the events", "fsync - 1 hang -")
                        .outputTo("/dev/full")
-                       .start({"get", "--grace=99"});
+                       .start({"get", "--grace=0"});
     waitForHang(running);
     running.signal(SIGTERM);
     goOn();
@@ -254,7 +273,7 @@ TEST_F(Stopping, ASignalAfterSavingDoesNotKeepTheReportBack) {
 TEST_F(Stopping, AFirstSignalAfterSavingDoesNotKeepTheReportBack) {
     auto running = getterOf("the events", "write errors 1 hang -")
                        .outputTo("/dev/full")
-                       .start({"get", "--grace=99"});
+                       .start({"get", "--grace=0"});
     waitForHang(running);
     running.signal(SIGTERM);
     goOn();

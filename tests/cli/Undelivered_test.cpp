@@ -45,6 +45,18 @@ TEST_F(Undelivered, APipeThatDoesNotBlockGetsEverything) {
     EXPECT_EQ(savedFiles().size(), 0u);
 }
 
+TEST_F(Undelivered, AFullPipeThatDoesNotBlockIsNotTriedAgainAndAgain) {
+    auto running = getterOf(manyEvents, "write output 1000+ fail EIO")
+                       .pipeOutputWithoutBlocking()
+                       .start({"get"});
+    running.waitUntil([&] { return running.outputIsFull(); });
+    EXPECT_EQ(running.readOutput(65536), manyEvents.substr(0, 65536));
+    running.waitUntil([&] { return running.outputIsFull(); });
+    const Outcome outcome = running.waitForEnd();
+    EXPECT_EQ(outcome,
+              (Outcome{0, manyEvents.substr(65536), got(manyEvents).errors}));
+}
+
 TEST_F(Undelivered, ShortAndInterruptedWritesDeliverEverything) {
     EXPECT_EQ(getterOf(manyEvents,
                        "write output 2 fail EINTR;"

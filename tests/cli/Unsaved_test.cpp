@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <fstream>
 
 #include <sys/stat.h>
 
@@ -87,6 +88,29 @@ TEST_F(Unsaved, AFileSystemThatKnowsOnlyLinksSavesEverything) {
     const Outcome outcome =
         failingGetter("rename - 1 fail EINVAL").run({"get"});
     EXPECT_EQ(outcome, failure(saved("the events", savedFile("the events"))));
+}
+
+TEST_F(Unsaved, AFileThatHasTheNameAlreadyIsNotReplaced) {
+    for (const std::string faults :
+         {"fsync - 1 hang -", "fsync - 1 hang -;rename - 1 fail EINVAL"}) {
+        auto running = failingGetter(faults).start({"get"});
+        waitForHang(running);
+        const fs::path hidden = savedFiles().at(0);
+        const std::string name = hidden.filename().string().substr(1);
+        const std::string other = place + "/" + name;
+        std::ofstream(other) << "of somebody else";
+        goOn();
+        const Outcome outcome = running.waitForEnd();
+        const auto elsewhere = filesIn(folder.file("temporary"));
+        ASSERT_EQ(elsewhere.size(), 1u) << outcome;
+        EXPECT_EQ(outcome, failure(saved("the events", elsewhere.at(0))));
+        EXPECT_EQ(readFile(other), "of somebody else");
+        EXPECT_EQ(savedFiles(), std::vector{other});
+        fs::remove(other);
+        fs::remove(folder / "go");
+        fs::remove(folder / "reached");
+        fs::remove(elsewhere.at(0));
+    }
 }
 
 TEST_F(Unsaved, WithoutAnyPlaceTheEventsAreLostAndItSaysSo) {
