@@ -74,7 +74,9 @@ std::string adviceFor(const ErrorReport& report, const Progress& progress) {
         return "Run it again, which registers first; if it fails again, "
                "change what was asked for.";
     }
-    if (progress.command == Command::Put && leavesDoubt(report)) {
+    const bool puts = progress.command == Command::Put ||
+                      progress.command == Command::RescuePutBack;
+    if (puts && leavesDoubt(report)) {
         return "Unless the text says otherwise, the events may have arrived; "
                "put again, they may arrive twice.";
     }

@@ -8,7 +8,7 @@
 #include <OvMemCppBinding/client/Exceptions.h>
 #include <OvMemCppBinding/util/DomException.h>
 
-#include "cli/Failure.h"
+#include "cli/StopSignal.h"
 #include "cli/TransportCause.h"
 
 namespace ovmem::cli {
@@ -59,16 +59,11 @@ ErrorReport reportOther() {
     return report;
 }
 
-ErrorReport reportFailure(const Failure& failure) {
-    const std::string className =
-        failure.exitCode == ExitCode::Usage ? "usage" : "input/output";
-    return {failure.exitCode,
-            className,
-            std::nullopt,
-            failure.text,
-            className + ": " + failure.text,
-            failure.advice,
-            ""};
+std::string classOfFailure(ExitCode exitCode) {
+    if (isStopped(exitCode)) {
+        return "stopped";
+    }
+    return exitCode == ExitCode::Usage ? "usage" : "input/output";
 }
 
 }  // namespace
@@ -106,6 +101,17 @@ ErrorReport reportCurrentException() {
     } catch (...) {
         return reportOther();
     }
+}
+
+ErrorReport reportFailure(const Failure& failure) {
+    const std::string className = classOfFailure(failure.exitCode);
+    return {failure.exitCode,
+            className,
+            std::nullopt,
+            failure.text,
+            className + ": " + failure.text,
+            failure.advice,
+            ""};
 }
 
 }  // namespace ovmem::cli

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/ExitCode.h"
+#include "cli/Failure.h"
 
 namespace ovmem::cli {
 
@@ -25,6 +26,9 @@ struct ErrorReport {
 // REQUIRES: is called in a catch block, once: an exception that was thrown as
 // a pointer is deleted here.
 ErrorReport reportCurrentException();
+
+// Reports a failure that need not have been thrown.
+ErrorReport reportFailure(const Failure& failure);
 
 }  // namespace ovmem::cli
 

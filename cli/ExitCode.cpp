@@ -33,7 +33,8 @@ std::string listExitCodes() {
         list += std::string(4 - number.size(), ' ') + number + "  " +
                 meaning.text + "\n";
     }
-    return list;
+    return list +
+           " 128  and the number of a signal added: get was told to stop\n";
 }
 
 }  // namespace ovmem::cli

@@ -92,6 +92,16 @@ void JsonObject::add(std::string_view name, bool value) {
     addRaw(name, value ? "true" : "false");
 }
 
+void JsonObject::add(std::string_view name,
+                     const std::vector<JsonObject>& objects) {
+    std::string list;
+    for (const JsonObject& object : objects) {
+        list += list.empty() ? "{" : ",{";
+        list += object.members + '}';
+    }
+    addRaw(name, '[' + list + ']');
+}
+
 std::string JsonObject::line() const {
     return '{' + members + "}\n";
 }

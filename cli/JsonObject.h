@@ -23,6 +23,7 @@ public:
     void add(std::string_view name, const std::vector<std::string>& texts);
     void add(std::string_view name, long long number);
     void add(std::string_view name, bool value);
+    void add(std::string_view name, const std::vector<JsonObject>& objects);
 
     std::string line() const;
 

@@ -46,8 +46,19 @@ with "Base64" added ("eventsBase64").
 Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
 refused before anything is sent.
 
-Undelivered events. When get cannot write what it has fetched, it saves the
-events in a file and says where.
+Being told to stop. SIGTERM, SIGINT, SIGHUP and SIGQUIT do not end get while
+events are on their way: it delivers them, then ends. A second signal, or
+--grace seconds after the first, ends it at once: if the service has not
+answered by then, what it has handed out is lost; if standard output has not
+taken everything, the events are saved.
+
+Undelivered events. When get cannot deliver what it has fetched, it saves the
+events in a file and says where: in $XDG_STATE_HOME/ovmem or
+$HOME/.local/state/ovmem, else in the folder for temporary files, else in the
+current folder. 'ovmem rescue' looks there, lists, shows and puts back. A put
+goes to all other clients of the server, so put-back asks for a client that does
+not need the events itself, and clients that had them get them again. For the
+one client that missed them use 'rescue show'.
 
 Exit codes:
 )";
@@ -59,7 +70,41 @@ struct Commands {
     CLI::App* put;
     CLI::App* get;
     CLI::App* unregister;
+    CLI::App* rescueList;
+    CLI::App* rescueShow;
+    CLI::App* rescuePutBack;
 };
+
+void addFooter(CLI::App& command) {
+    command.footer("The common options: ovmem --help");
+}
+
+void addRescue(CLI::App& app, Commands& commands, Options& options) {
+    CLI::App* rescue =
+        app.add_subcommand("rescue", "List, show, put back what get has saved");
+    rescue->require_subcommand(1);
+    commands.rescueList = rescue->add_subcommand(
+        "list", "Write name, bytes, time and path of each saved file");
+    commands.rescueShow =
+        rescue->add_subcommand("show", "Write saved events, byte for byte");
+    commands.rescuePutBack = rescue->add_subcommand(
+        "put-back",
+        "Put saved events; remove the files once the service has them");
+    for (CLI::App* command : {commands.rescueShow, commands.rescuePutBack}) {
+        command
+            ->add_option("NAME", options.files,
+                         "Names or paths, as 'rescue list' writes them;\n"
+                         "several are one text, in this order")
+            ->type_name("");
+    }
+    for (CLI::App* command : rescue->get_subcommands({})) {
+        addFooter(*command);
+    }
+    commands.rescuePutBack->footer(
+        "The events go to every client of --server but --client, also to those "
+        "that\nhave had them. For one client that missed them, use 'rescue "
+        "show'.\n\nThe common options: ovmem --help");
+}
 
 Commands addCommands(CLI::App& app, Options& options) {
     Commands commands{
@@ -69,14 +114,18 @@ Commands addCommands(CLI::App& app, Options& options) {
         app.add_subcommand("put", "Send events from files or standard input"),
         app.add_subcommand("get", "Fetch the waiting events, write them out"),
         app.add_subcommand("unregister", "Unregister; write who remains"),
+        nullptr,
+        nullptr,
+        nullptr,
     };
+    addRescue(app, commands, options);
     commands.put
         ->add_option("FILE", options.files,
                      "Event texts, sent as one in this order;\n'-' or nothing "
                      "is standard input")
         ->type_name("");  // for the help; sortArguments finds the files
     for (CLI::App* command : app.get_subcommands({})) {
-        command->footer("The common options: ovmem --help");
+        addFooter(*command);
     }
     return commands;
 }
@@ -96,6 +145,15 @@ Command chosen(const Commands& commands) {
     }
     if (commands.unregister->parsed()) {
         return Command::Unregister;
+    }
+    if (commands.rescueList->parsed()) {
+        return Command::RescueList;
+    }
+    if (commands.rescueShow->parsed()) {
+        return Command::RescueShow;
+    }
+    if (commands.rescuePutBack->parsed()) {
+        return Command::RescuePutBack;
     }
     return Command::Status;
 }
@@ -141,9 +199,27 @@ std::vector<std::string> takeFiles(const Arguments& arguments) {
     return arguments.files;
 }
 
+void checkNames(const Options& options) {
+    const bool needed = options.command == Command::RescueShow ||
+                        options.command == Command::RescuePutBack;
+    if (needed && options.files.empty()) {
+        throw Failure{ExitCode::Usage, "The name of saved events is missing.",
+                      "'ovmem rescue list' names those there are."};
+    }
+}
+
+bool needsIdentity(Command command) {
+    return command != Command::Status && command != Command::RescueList &&
+           command != Command::RescueShow;
+}
+
 void checkIdentity(const Options& options, bool hasClient) {
     if (options.command == Command::Register && !options.server) {
         throw Failure{ExitCode::Usage, "register needs --server.",
+                      "Give --server, or set OVMEM_SERVER."};
+    }
+    if (options.command == Command::RescuePutBack && !options.server) {
+        throw Failure{ExitCode::Usage, "rescue put-back needs --server.",
                       "Give --server, or set OVMEM_SERVER."};
     }
     if (options.server && !hasClient) {
@@ -175,6 +251,10 @@ Options parseOptions(int count, const char* const* arguments) {
             ->envname("OVMEM_CLIENT");
     app.add_option("--locale", options.locale, "The locale of the client")
         ->envname("OVMEM_LOCALE");
+    std::string grace;
+    CLI::Option* graceOption = app.add_option(
+        "--grace", grace, "How long get goes on when told to stop (5)");
+    graceOption->type_name("SECONDS");
     app.add_flag("--json", options.json, "Write JSON");
     app.add_flag("--quiet", options.quiet, "Write no words but errors");
     const Commands commands = addCommands(app, options);
@@ -188,7 +268,11 @@ Options parseOptions(int count, const char* const* arguments) {
     if (serverOption->count() > 0) {
         options.server = server;
     }
-    if (options.command != Command::Status) {
+    if (graceOption->count() > 0) {
+        options.grace = parseGrace(grace);
+    }
+    checkNames(options);
+    if (needsIdentity(options.command)) {
         checkIdentity(options, clientOption->count() > 0);
     }
     return options;

@@ -1,13 +1,26 @@
 #ifndef CLI_OPTIONS_H
 #define CLI_OPTIONS_H
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/Grace.h"
+
 namespace ovmem::cli {
 
-enum class Command { Status, Register, Clients, Put, Get, Unregister };
+enum class Command {
+    Status,
+    Register,
+    Clients,
+    Put,
+    Get,
+    Unregister,
+    RescueList,
+    RescueShow,
+    RescuePutBack
+};
 
 // What the command line and the environment ask for.
 struct Options {
@@ -18,7 +31,8 @@ struct Options {
     std::optional<std::string> server;  // nothing: on no registration
     std::string client;
     std::string locale;              // empty: none is sent
-    std::vector<std::string> files;  // of put
+    std::vector<std::string> files;  // of put; names, of rescue
+    std::chrono::milliseconds grace = DEFAULT_GRACE;
     bool json = false;
     bool quiet = false;
 };

@@ -2,11 +2,14 @@
 
 #include "cli/JsonObject.h"
 #include "cli/StandardStreams.h"
+#include "cli/StopSignal.h"
 #include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
 namespace {
+
+const int STOPPED_PATIENCE = 1000;  // milliseconds
 
 std::string toJson(const ErrorReport& error) {
     JsonObject object;
@@ -50,7 +53,9 @@ void Reporter::tell(const std::string& sentence) const {
 }
 
 void Reporter::report(const ErrorReport& error) const {
-    writeWords(json ? toJson(error) : toWords(error));
+    // Told to stop, ovmem does not wait for somebody to read this.
+    const int patience = isStopped(error.exitCode) ? STOPPED_PATIENCE : -1;
+    writeWords(json ? toJson(error) : toWords(error), patience);
 }
 
 }  // namespace ovmem::cli

@@ -1,12 +1,18 @@
 #include "cli/RescueFile.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include "cli/Descriptor.h"
+#include "cli/RescuePlaces.h"
 
 namespace ovmem::cli {
 
@@ -14,63 +20,140 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<fs::path> listPlaces() {
-    std::vector<fs::path> places;
-    const char* state = std::getenv("XDG_STATE_HOME");
-    const char* home = std::getenv("HOME");
-    if (state != nullptr && *state != '\0') {
-        places.push_back(fs::path(state) / "ovmem");
-    } else if (home != nullptr && *home != '\0') {
-        places.push_back(fs::path(home) / ".local/state/ovmem");
-    }
-    std::error_code ignored;
-    places.push_back(fs::temp_directory_path(ignored));
-    places.push_back(fs::current_path(ignored));
-    return places;
+const std::size_t MOST_FILES = 1000;
+
+// The size that a file may have, after asking for all that is allowed.
+std::size_t largestFile() {
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    return limit.rlim_cur;
 }
 
-bool writeAndSync(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
+std::vector<std::string_view> split(std::string_view events) {
+    const std::size_t largest = largestFile();
+    if (largest <= events.size() / MOST_FILES) {
+        return {events};  // as if there were no limit; it will fail
+    }
+    std::vector<std::string_view> pieces;
+    for (std::size_t begin = 0; begin < events.size(); begin += largest) {
+        pieces.push_back(events.substr(begin, largest));
+    }
+    return pieces;
+}
+
+// How many of the bytes the file has taken.
+std::size_t writeTo(int descriptor, std::string_view bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count =
+            write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (count > 0) {
+            done += static_cast<std::size_t>(count);
+        } else if (count == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return done;
+}
+
+bool sync(const fs::path& folder) {
+    const Descriptor opened(
+        open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return fsync(opened.get()) == 0;
+}
+
+// Never over a file that exists. Some file systems know only one of the ways.
+bool moveTo(const fs::path& from, const fs::path& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(),
+                  RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
+}
+
+void discard(const Rescue& rescue) {
+    for (const std::string& file : rescue.files) {
+        unlink(file.c_str());
+    }
+}
+
+// Saves the events in one folder.
+class Attempt {
+public:
+    explicit Attempt(fs::path place) : folder(std::move(place)) {
+        std::error_code failed;  // shows when a file is made
+        fs::create_directories(folder.parent_path(), failed);
+        mkdir(folder.c_str(), 0700);
+    }
+
+    Rescue save(const std::vector<std::string_view>& pieces) {
+        const std::string name = newRescueName();
+        const std::string last = "of" + std::to_string(pieces.size());
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            std::string own = name;
+            if (pieces.size() > 1) {
+                own += '-' + std::to_string(i + 1) + last;
+            }
+            if (!write(own, pieces[i])) {
+                return rescue;
+            }
+        }
+        rescue.complete = publish();
+        return rescue;
+    }
+
+private:
+    // All that can fail before the file may be called saved.
+    bool write(const std::string& name, std::string_view bytes) {
+        const fs::path path = folder / nameWhileWriting(name);
+        Descriptor file(
+            open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (file.get() < 0) {
             return false;
         }
-        if (count > 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        }
+        names.push_back(name);
+        rescue.files.push_back(path.string());
+        const std::size_t written = writeTo(file.get(), bytes);
+        rescue.bytes += written;
+        const bool synced = fsync(file.get()) == 0;
+        return file.close() && synced && written == bytes.size();
     }
-    return fsync(descriptor) == 0;
-}
 
-std::optional<std::string> saveIn(const fs::path& place,
-                                  std::string_view bytes) {
-    std::error_code ignored;
-    fs::create_directories(place, ignored);
-    std::string path = (place / "events-not-delivered-XXXXXX").string();
-    const int descriptor = mkstemp(path.data());
-    if (descriptor < 0) {
-        return std::nullopt;
+    bool publish() {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const fs::path path = folder / names[i];
+            if (!moveTo(rescue.files[i], path)) {
+                return false;
+            }
+            rescue.files[i] = path.string();
+        }
+        return sync(folder);
     }
-    const bool written = writeAndSync(descriptor, bytes);
-    if (close(descriptor) == 0 && written) {
-        return path;
-    }
-    unlink(path.c_str());
-    return std::nullopt;
-}
+
+    const fs::path folder;
+    std::vector<std::string> names;
+    Rescue rescue;
+};
 
 }  // namespace
 
-std::optional<std::string> saveToRescueFile(std::string_view bytes) {
-    for (const fs::path& place : listPlaces()) {
-        if (place.empty()) {
-            continue;
+Rescue saveToRescueFile(std::string_view events) {
+    const std::vector<std::string_view> pieces = split(events);
+    Rescue best;
+    for (const fs::path& place : listRescuePlaces()) {
+        Rescue rescue = Attempt(place).save(pieces);
+        const bool better = rescue.complete || rescue.bytes > best.bytes;
+        discard(better ? best : rescue);
+        if (better) {
+            best = std::move(rescue);
         }
-        if (auto path = saveIn(place, bytes)) {
-            return path;
+        if (best.complete) {
+            break;
         }
     }
-    return std::nullopt;
+    return best;
 }
 
 }  // namespace ovmem::cli

@@ -1,15 +1,21 @@
 #include "cli/Session.h"
 
 #include <cstring>
+#include <functional>
+#include <list>
 #include <optional>
 
 #include <unistd.h>
 
+#include "cli/Delivery.h"
+#include "cli/ErrorReport.h"
 #include "cli/EventInput.h"
 #include "cli/Failure.h"
 #include "cli/JsonObject.h"
-#include "cli/RescueFile.h"
+#include "cli/RescueCommands.h"
+#include "cli/SignalWatch.h"
 #include "cli/StandardStreams.h"
+#include "cli/StopSignal.h"
 #include "cli/TerminalText.h"
 
 namespace ovmem::cli {
@@ -31,16 +37,11 @@ Failure notAnswered(const Written& written) {
             "What was asked for is done; only the answer is missing."};
 }
 
-Failure notDelivered(const std::string& events, const Written& written) {
-    const auto rescue = saveToRescueFile(events);
-    return {ExitCode::InputOutput,
-            "Cannot write the events to standard output: " +
-                std::string(std::strerror(written.error)) + ".",
-            rescue ? "The service has handed them out and will not do so "
-                     "again. All of them (" +
-                         count(events.size(), "byte") +
-                         ") are saved in this file: " + *rescue
-                   : "They could not be saved in a file either and are lost."};
+Failure stopped(const SignalWatch& watch, const std::string& when,
+                const std::string& advice) {
+    return {exitCodeOfSignal(watch.signal()),
+            "Stopped by " + nameOfSignal(watch.signal()) + ' ' + when + '.',
+            advice};
 }
 
 }  // namespace
@@ -64,6 +65,14 @@ ExitCode Session::run() {
             return get();
         case Command::Unregister:
             return unregister();
+        case Command::RescuePutBack:
+            return putBack();
+        case Command::RescueList:
+            listRescued(options, reporter);
+            return ExitCode::Done;
+        case Command::RescueShow:
+            showRescued(options, reporter);
+            return ExitCode::Done;
         case Command::Status:
             break;
     }
@@ -117,7 +126,32 @@ ExitCode Session::put() {
 }
 
 ExitCode Session::get() {
+    SignalWatch watch(options.grace, reporter);
+    try {
+        fetch(watch);
+        return ExitCode::Done;
+    } catch (...) {
+        // Reported here and not by the caller: a signal must not come between
+        // saving the events and saying where.
+        ErrorReport error = reportCurrentException();
+        adviseUser(error, progress);
+        watch.enter(SignalWatch::Phase::Telling);
+        if (watch.signal() != 0) {
+            error.exitCode = exitCodeOfSignal(watch.signal());
+        }
+        reporter.report(error);
+        return error.exitCode;
+    }
+}
+
+void Session::fetch(SignalWatch& watch) {
     attach();
+    if (watch.signal() != 0) {
+        throw stopped(
+            watch, "before the events were asked for",
+            "Nothing is lost; what waits for the client still waits.");
+    }
+    watch.enter(SignalWatch::Phase::Asking);
     std::string events;
     std::string correlation = "ovmem.get";
     try {
@@ -126,18 +160,23 @@ ExitCode Session::get() {
         // The events come before the shared clients: when only the second
         // step failed, they are here and nowhere else any more.
         if (!events.empty()) {
-            deliver(events);
+            writeEvents(events, watch);
         } else {
             tellRegistered();
         }
         throw;
     }
+    writeEvents(events, watch);
+    watch.enter(SignalWatch::Phase::Telling);
+    const std::string size = count(events.size(), "byte");
+    if (watch.signal() != 0) {
+        throw stopped(watch, "after all events (" + size + ") were written",
+                      "");
+    }
     if (events.empty()) {
         tellRegistered();  // what has events was registered before
     }
-    deliver(events);
-    reporter.tell("Got " + count(events.size(), "byte") + ".");
-    return ExitCode::Done;
+    reporter.tell("Got " + size + ".");
 }
 
 ExitCode Session::unregister() {
@@ -147,6 +186,25 @@ ExitCode Session::unregister() {
     JsonObject object;
     object.add("command", "unregister");
     return writeShared(object, "Unregistered");
+}
+
+ExitCode Session::putBack() {
+    std::list<SavedEvents> files;
+    std::string events = claimRescued(options, files);
+    attach();
+    shared.clear();
+    std::string correlation = "ovmem.rescue";
+    connection.putEvents(events, shared, correlation);
+    // Only now: whatever ends this run before leaves the files.
+    for (const SavedEvents& file : files) {
+        file.remove();
+    }
+    JsonObject object;
+    object.add("command", "rescue put-back");
+    object.add("bytes", sizeOf(events));
+    return writeShared(object, "Put back " + count(events.size(), "byte") +
+                                   " and removed " +
+                                   count(files.size(), "file"));
 }
 
 void Session::attach() {
@@ -169,20 +227,17 @@ void Session::tellRegistered() const {
     }
 }
 
-void Session::deliver(const std::string& events) {
-    std::string output = events;
-    if (options.json) {
+void Session::writeEvents(const std::string& events, SignalWatch& watch) {
+    const auto asJson = [&] {
         JsonObject object;
         object.add("command", "get");
         object.add("bytes", sizeOf(events));
         object.add("events", events);
         object.add("sharedClients", shared);
-        output = object.line();
-    }
-    const Written written = tryWriteOutput(output);
-    if (written.error != 0) {
-        throw notDelivered(events, written);
-    }
+        return object.line();
+    };
+    deliver(events, options.json ? asJson : std::function<std::string()>(),
+            watch);
 }
 
 ExitCode Session::writeShared(JsonObject& object, const std::string& done) {

@@ -14,6 +14,7 @@
 namespace ovmem::cli {
 
 class JsonObject;
+class SignalWatch;
 
 // One run of ovmem: a connection, and the command on it.
 //
@@ -33,6 +34,7 @@ private:
     ExitCode put();
     ExitCode get();
     ExitCode unregister();
+    ExitCode putBack();
 
     // Registers the identity, if there is one, so that the connection may act
     // for it.
@@ -42,8 +44,11 @@ private:
     // identity. The service does not tell whether it was there before.
     void tellRegistered() const;
 
-    // Writes fetched events out, or saves them elsewhere.
-    void deliver(const std::string& events);
+    // Registers, fetches the events, and writes them out or saves them.
+    void fetch(SignalWatch& watch);
+
+    // The same with events that are here.
+    void writeEvents(const std::string& events, SignalWatch& watch);
 
     // Writes the shared clients, completing `object` where it is JSON, and
     // tells what was done.

@@ -1,6 +1,7 @@
 #include "cli/StandardStreams.h"
 
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstring>
 #include <string>
@@ -22,20 +23,31 @@ Failure outputFailure(int error) {
             "Give standard output a place to go."};
 }
 
-bool waitUntilWritable(int descriptor) {
+// Between two pieces there is a chance to give up: writing to a file cannot be
+// interrupted.
+const std::size_t LARGEST_PIECE = 1024 * 1024;
+
+// False if `patience` milliseconds passed first; negative: without limit.
+bool waitUntilWritable(int descriptor, int patience) {
     pollfd waiting = {descriptor, POLLOUT, 0};
-    return poll(&waiting, 1, -1) == 1 || errno == EINTR;
+    return poll(&waiting, 1, patience) != 0;
 }
 
-Written writeAll(int descriptor, std::string_view bytes) {
+Written writeAll(int descriptor, std::string_view bytes,
+                 const std::function<bool()>& giveUp) {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        const ssize_t count =
-            write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (count >= 0) {
+        if (giveUp()) {
+            return {done, EINTR};
+        }
+        const std::string_view piece = bytes.substr(done, LARGEST_PIECE);
+        const ssize_t count = write(descriptor, piece.data(), piece.size());
+        if (count > 0) {
             done += static_cast<std::size_t>(count);
-        } else if (errno == EAGAIN && waitUntilWritable(descriptor)) {
-            continue;
+        } else if (count == 0) {
+            return {done, EIO};
+        } else if (errno == EAGAIN) {
+            waitUntilWritable(descriptor, -1);
         } else if (errno != EINTR) {
             return {done, errno};
         }
@@ -53,6 +65,7 @@ int errorOnClose(int descriptor) {
 
 void guardStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO;
          ++descriptor) {
         if (fcntl(descriptor, F_GETFL) >= 0) {
@@ -75,8 +88,9 @@ void requireWritableOutput() {
     }
 }
 
-Written tryWriteOutput(std::string_view bytes) {
-    Written written = writeAll(STDOUT_FILENO, bytes);
+Written tryWriteOutput(std::string_view bytes,
+                       const std::function<bool()>& giveUp) {
+    Written written = writeAll(STDOUT_FILENO, bytes, giveUp);
     if (written.error == 0 && !bytes.empty()) {
         written.error = errorOnClose(STDOUT_FILENO);
     }
@@ -90,8 +104,17 @@ void writeOutput(std::string_view bytes) {
     }
 }
 
-void writeWords(std::string_view words) {
-    writeAll(STDERR_FILENO, words);
+void writeWords(std::string_view words, int patience) {
+    // A pipe that is writable takes a piece of this size without blocking.
+    while (!words.empty() && waitUntilWritable(STDERR_FILENO, patience)) {
+        const std::string_view piece = words.substr(0, PIPE_BUF);
+        const Written written =
+            writeAll(STDERR_FILENO, piece, [] { return false; });
+        if (written.error != 0) {
+            return;
+        }
+        words.remove_prefix(written.bytes);
+    }
 }
 
 }  // namespace ovmem::cli

@@ -2,6 +2,7 @@
 #define CLI_STANDARDSTREAMS_H
 
 #include <cstddef>
+#include <functional>
 #include <string_view>
 
 // Standard input, output and error as plain descriptors, without buffers: what
@@ -11,8 +12,8 @@ namespace ovmem::cli {
 
 // Puts something unusable in the place of each standard descriptor that is
 // closed, so that no file opened later takes its number, and lets writing to a
-// closed pipe fail instead of ending the process. To be called before anything
-// is opened.
+// closed pipe, or beyond the size that a file may have, fail instead of ending
+// the process. To be called before anything is opened.
 void guardStandardStreams();
 
 // Whether standard output takes data at all: open for writing, and no pipe
@@ -27,8 +28,12 @@ struct Written {
     int error;          // errno, 0 if all did
 };
 
-// Writes `bytes` as they are.
-Written tryWriteOutput(std::string_view bytes);
+// Writes `bytes` as they are, however long nobody takes them. `giveUp` is asked
+// before every system call, and so after one that a signal interrupted: true
+// ends it with EINTR.
+Written tryWriteOutput(
+    std::string_view bytes,
+    const std::function<bool()>& giveUp = [] { return false; });
 
 // The same.
 //
@@ -36,8 +41,9 @@ Written tryWriteOutput(std::string_view bytes);
 void writeOutput(std::string_view bytes);
 
 // Writes `words` to standard error; what cannot be written is dropped, as
-// there is nowhere left to say so.
-void writeWords(std::string_view words);
+// there is nowhere left to say so. So is what nobody takes within `patience`
+// milliseconds; negative: without limit.
+void writeWords(std::string_view words, int patience = -1);
 
 }  // namespace ovmem::cli
 

@@ -14,5 +14,7 @@ TEST(ExitCode, EveryCodeIsListedOnceAndInOrder) {
               "   7  DomException: the reply is not the expected XML\n"
               "   8  any other exception\n"
               "   9  a local file or stream failed\n"
-              "  10  the service answered the status check wrongly\n");
+              "  10  the service answered the status check wrongly\n"
+              " 128  and the number of a signal added: get was told to "
+              "stop\n");
 }

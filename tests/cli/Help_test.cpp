@@ -38,6 +38,18 @@ TEST_F(Help, IsAskedForWithOneLetterToo) {
     }
 }
 
+TEST_F(Help, EachCommandOfRescueHasAHelpOfItsOwn) {
+    EXPECT_EQ(ovmem.run({"rescue", "--help"}),
+              (Outcome{0, expected("help-rescue"), ""}));
+    EXPECT_EQ(ovmem.run({"rescue", "-h"}),
+              (Outcome{0, expected("help-rescue"), ""}));
+    for (const std::string command : {"list", "show", "put-back"}) {
+        const Outcome help = {0, expected("help-rescue-" + command), ""};
+        EXPECT_EQ(ovmem.run({"rescue", command, "--help"}), help);
+        EXPECT_EQ(ovmem.run({"rescue", command, "-h"}), help);
+    }
+}
+
 TEST_F(Help, TheEnvironmentDoesNotChangeIt) {
     ovmem.set("OVMEM_SERVER", "plant").set("LC_ALL", "C");
     EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));

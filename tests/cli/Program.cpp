@@ -1,5 +1,6 @@
 #include "tests/cli/Program.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <ostream>
@@ -8,7 +9,6 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace OvMemTest {
@@ -50,23 +50,33 @@ private:
     posix_spawn_file_actions_t actions;
 };
 
-// The end of a pipe whose other end is closed.
-class BrokenPipe {
+class Pipe {
 public:
-    BrokenPipe() : writeEnd(-1) {
-        int ends[2];
-        check(pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno, "pipe");
-        close(ends[0]);
-        writeEnd = ends[1];
+    Pipe() { check(pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno, "pipe"); }
+    ~Pipe() {
+        closeReader();
+        close(ends[1]);
     }
-    ~BrokenPipe() { close(writeEnd); }
-    BrokenPipe(const BrokenPipe&) = delete;
-    BrokenPipe& operator=(const BrokenPipe&) = delete;
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
 
-    int get() const { return writeEnd; }
+    int writer() const { return ends[1]; }
+
+    // No longer owned.
+    int takeReader() { return std::exchange(ends[0], -1); }
+
+    void closeReader() {
+        if (ends[0] >= 0) {
+            close(takeReader());
+        }
+    }
+
+    void doNotBlock() const {
+        check(fcntl(ends[1], F_SETFL, O_NONBLOCK) == 0 ? 0 : errno, "fcntl");
+    }
 
 private:
-    int writeEnd;
+    int ends[2];
 };
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
@@ -79,20 +89,20 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-int waitForEnd(pid_t process) {
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0) {
-        check(errno == EINTR ? 0 : errno, "waitpid");
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+// What a failed test shows of it.
+std::string shortened(const std::string& text) {
+    const std::size_t most = 4000;
+    return text.size() <= most ? text
+                               : text.substr(0, most) + "... (" +
+                                     std::to_string(text.size()) + " bytes)\n";
 }
 
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
     return stream << "exit code " << outcome.exitCode << "\n--- output\n"
-                  << outcome.output << "--- errors\n"
-                  << outcome.errors << "---\n";
+                  << shortened(outcome.output) << "--- errors\n"
+                  << shortened(outcome.errors) << "---\n";
 }
 
 Program::Program(std::string programPath) : path(std::move(programPath)) {
@@ -138,40 +148,82 @@ Program& Program::breakOutput() {
     return *this;
 }
 
+Program& Program::pipeOutput() {
+    outputState = Stream::Pipe;
+    return *this;
+}
+
+Program& Program::pipeOutputWithoutBlocking() {
+    outputState = Stream::NonBlockingPipe;
+    return *this;
+}
+
+Program& Program::errorsToOutput() {
+    errorsFollowOutput = true;
+    return *this;
+}
+
+Program& Program::after(const std::string& commands) {
+    preparation = commands;
+    return *this;
+}
+
 Outcome Program::run(const Arguments& arguments) const {
-    const TemporaryFolder folder;
-    const BrokenPipe broken;
-    const std::string output = folder.write("output", "");
-    const std::string errors = folder.write("errors", "");
+    return start(arguments).waitForEnd();
+}
+
+RunningProgram Program::start(const Arguments& arguments) const {
+    auto folder = std::make_unique<TemporaryFolder>();
+    const std::string output = folder->write("output", "");
+    const std::string errors = folder->write("errors", "");
     FileActions actions;
     if (inputState == Stream::Closed) {
         actions.close(STDIN_FILENO);
     } else {
-        actions.open(STDIN_FILENO, folder.write("input", inputBytes), O_RDONLY);
+        actions.open(STDIN_FILENO, folder->write("input", inputBytes),
+                     O_RDONLY);
     }
-    if (outputState == Stream::Closed) {
-        actions.close(STDOUT_FILENO);
-    } else if (outputState == Stream::Broken) {
-        actions.duplicate(broken.get(), STDOUT_FILENO);
-    } else {
+    Pipe pipe;
+    int reader = -1;
+    if (outputState == Stream::Normal) {
         actions.open(STDOUT_FILENO, outputFile.empty() ? output : outputFile,
                      O_WRONLY | O_CREAT | O_TRUNC);
+    } else if (outputState == Stream::Closed) {
+        actions.close(STDOUT_FILENO);
+    } else {
+        actions.duplicate(pipe.writer(), STDOUT_FILENO);
+        if (outputState == Stream::Broken) {
+            pipe.closeReader();
+        } else {
+            reader = pipe.takeReader();
+        }
+        if (outputState == Stream::NonBlockingPipe) {
+            pipe.doNotBlock();
+        }
     }
-    actions.open(STDERR_FILENO, errors, O_WRONLY);
+    if (errorsFollowOutput) {
+        actions.duplicate(STDOUT_FILENO, STDERR_FILENO);
+    } else {
+        actions.open(STDERR_FILENO, errors, O_WRONLY);
+    }
 
     std::vector<std::string> argumentTexts = arguments;
     argumentTexts.insert(argumentTexts.begin(), path);
+    const std::string run = preparation.empty() ? path : "/bin/sh";
+    if (!preparation.empty()) {
+        const std::string script = preparation + R"(; exec "$0" "$@")";
+        argumentTexts.insert(argumentTexts.begin(), {run, "-c", script});
+    }
     std::vector<std::string> variables;
     for (const auto& [name, value] : environment) {
         variables.emplace_back(name).append("=").append(value);
     }
     pid_t process = -1;
     check(
-        posix_spawn(&process, path.c_str(), actions.get(), nullptr,
+        posix_spawn(&process, run.c_str(), actions.get(), nullptr,
                     pointers(argumentTexts).data(), pointers(variables).data()),
-        path.c_str());
-    const int exitCode = waitForEnd(process);
-    return {exitCode, readFile(output), readFile(errors)};
+        run.c_str());
+    return RunningProgram(process, reader, std::move(folder));
 }
 
 }  // namespace OvMemTest

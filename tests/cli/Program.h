@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/TemporaryFolder.h"
+#include "tests/cli/RunningProgram.h"
 
 namespace OvMemTest {
 
@@ -50,18 +50,33 @@ public:
     Program& closeOutput();
     Program& breakOutput();
 
+    // Standard output: a pipe with a reader, the RunningProgram.
+    Program& pipeOutput();
+    Program& pipeOutputWithoutBlocking();
+
+    // Standard error goes where standard output goes.
+    Program& errorsToOutput();
+
+    // A shell does this first and then becomes the program: "ulimit -f 4".
+    Program& after(const std::string& commands);
+
     // Runs it to its end.
     Outcome run(const Arguments& arguments) const;
 
+    // Starts it.
+    RunningProgram start(const Arguments& arguments) const;
+
 private:
-    enum class Stream { Normal, Closed, Broken };
+    enum class Stream { Normal, Closed, Broken, Pipe, NonBlockingPipe };
 
     std::string path;
+    std::string preparation;  // empty: none
     std::map<std::string, std::string> environment;
     std::string inputBytes;
     std::string outputFile;  // empty: collected
     Stream inputState = Stream::Normal;
     Stream outputState = Stream::Normal;
+    bool errorsFollowOutput = false;
 };
 
 }  // namespace OvMemTest

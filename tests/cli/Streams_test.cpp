@@ -23,7 +23,7 @@ const Outcome CLOSED_OUTPUT =
 
 const std::string SAVED =
     "ovmem: input/output: Cannot write the events to standard output: No space "
-    "left on device.\n"
+    "left on device; it has taken 0 of 10 bytes.\n"
     "ovmem: The service has handed them out and will not do so again. All of "
     "them (10 bytes) are saved in this file: ";
 

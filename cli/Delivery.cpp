@@ -1,0 +1,92 @@
+#include "cli/Delivery.h"
+
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "cli/Failure.h"
+#include "cli/RescueFile.h"
+#include "cli/StandardStreams.h"
+#include "cli/StopSignal.h"
+
+namespace ovmem::cli {
+
+namespace {
+
+struct Progress {
+    Written written;
+    std::size_t size;  // of the output
+};
+
+Progress write(std::string_view output, const SignalWatch& watch) {
+    return {tryWriteOutput(output, [&watch] { return watch.isOver(); }),
+            output.size()};
+}
+
+Progress makeAndWrite(const std::string& events,
+                      const std::function<std::string()>& makeOutput,
+                      const SignalWatch& watch) {
+    if (!makeOutput) {
+        return write(events, watch);
+    }
+    try {
+        return write(makeOutput(), watch);
+    } catch (const std::bad_alloc&) {
+        return {{0, ENOMEM}, events.size()};
+    }
+}
+
+std::string reasonOf(const Progress& progress, const SignalWatch& watch) {
+    const std::string start =
+        watch.isOver()
+            ? "Stopped by " + nameOfSignal(watch.signal()) +
+                  "; standard output has taken "
+            : "Cannot write the events to standard output: " +
+                  std::string(std::strerror(progress.written.error)) +
+                  "; it has taken ";
+    return start + std::to_string(progress.written.bytes) + " of " +
+           std::to_string(progress.size) + " bytes.";
+}
+
+std::string fateOf(const std::string& events, const Rescue& rescue) {
+    if (events.empty()) {
+        return "No events were waiting; nothing is lost.";
+    }
+    const std::string all = std::to_string(events.size());
+    std::string fate =
+        "The service has handed them out and will not do so again. ";
+    if (rescue.files.empty()) {
+        return fate + "They could not be saved in a file either and are lost.";
+    }
+    const bool several = rescue.files.size() > 1;
+    fate += rescue.complete ? "All of them (" + all + " bytes) are saved in "
+                            : "They could not be saved either: the first " +
+                                  std::to_string(rescue.bytes) + " of " + all +
+                                  " bytes, perhaps damaged, are in ";
+    fate += several ? "these files, in this order:" : "this file:";
+    for (const std::string& file : rescue.files) {
+        fate += ' ' + file;
+    }
+    return fate;
+}
+
+}  // namespace
+
+void deliver(const std::string& events,
+             const std::function<std::string()>& makeOutput,
+             SignalWatch& watch) {
+    watch.enter(SignalWatch::Phase::Delivering);
+    const Progress progress = makeAndWrite(events, makeOutput, watch);
+    if (progress.written.error == 0) {
+        return;
+    }
+    watch.enter(SignalWatch::Phase::Saving);
+    const Rescue rescue = events.empty() ? Rescue() : saveToRescueFile(events);
+    const std::string reason = reasonOf(progress, watch);
+    throw Failure{watch.isOver() ? exitCodeOfSignal(watch.signal())
+                                 : ExitCode::InputOutput,
+                  reason, fateOf(events, rescue)};
+}
+
+}  // namespace ovmem::cli

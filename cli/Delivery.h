@@ -1,0 +1,23 @@
+#ifndef CLI_DELIVERY_H
+#define CLI_DELIVERY_H
+
+#include <functional>
+#include <string>
+
+#include "cli/SignalWatch.h"
+
+namespace ovmem::cli {
+
+// Writes fetched events to standard output: what `makeOutput` returns, or the
+// events as they are where it is empty. If that fails, also for want of memory,
+// or the watch is over, saves the events elsewhere.
+//
+// THROWS: Failure with ExitCode::InputOutput unless everything was written. It
+// says how much was, and where the events are.
+void deliver(const std::string& events,
+             const std::function<std::string()>& makeOutput,
+             SignalWatch& watch);
+
+}  // namespace ovmem::cli
+
+#endif

@@ -1,0 +1,33 @@
+#ifndef CLI_RESCUEPLACES_H
+#define CLI_RESCUEPLACES_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// Where events are saved that were taken from the service and could not be
+// delivered, and how the files are named.
+
+namespace ovmem::cli {
+
+// The folders, in the order in which they are tried; absolute, each once. They
+// need not exist.
+//
+//     $XDG_STATE_HOME/ovmem, or $HOME/.local/state/ovmem
+//     the folder for temporary files
+//     the current folder
+std::vector<std::filesystem::path> listRescuePlaces();
+
+// A name that no other run gives: "events-not-delivered-20240501T120000.123456Z
+// -4711". The events that cannot stand in one file have "-1of3" after it.
+std::string newRescueName();
+
+// Whether a file of this name was made by ovmem, and is complete.
+bool isRescueName(const std::string& name);
+
+// The name of such a file while it is being written.
+std::string nameWhileWriting(const std::string& rescueName);
+
+}  // namespace ovmem::cli
+
+#endif
