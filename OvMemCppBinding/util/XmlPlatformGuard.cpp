@@ -166,13 +166,13 @@ private:
 
 XmlPlatformGuard::XmlPlatformGuard(std::size_t memoryLimit) {
     requirePlatformNotRunning();
-    platform.reset(new Platform(std::string(), memoryLimit));
+    platform = std::make_unique<Platform>(std::string(), memoryLimit);
 }
 
 XmlPlatformGuard::XmlPlatformGuard(const std::string& folder,
                                    std::size_t memoryLimit) {
     requirePlatformNotRunning();
-    platform.reset(new Platform(realFolder(folder), memoryLimit));
+    platform = std::make_unique<Platform>(realFolder(folder), memoryLimit);
 }
 
 XmlPlatformGuard::~XmlPlatformGuard() = default;
