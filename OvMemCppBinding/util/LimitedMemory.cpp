@@ -47,12 +47,16 @@ std::size_t LimitedMemory::held() const {
 }
 
 void* LimitedMemory::allocate(XMLSize_t size) {
+    return allocateBehind(0, size);
+}
+
+void* LimitedMemory::allocateBehind(std::size_t uncounted, XMLSize_t size) {
     if (!take(size)) {
         throw DomException(
             "XmlPlatformGuard: the XML library may hold no more than " +
             std::to_string(growth) + " bytes");
     }
-    void* const block = std::malloc(sizeof(Header) + size);
+    void* const block = std::malloc(sizeof(Header) + uncounted + size);
     if (block == nullptr) {
         total -= size;
         throw xercesc::OutOfMemoryException();

@@ -33,6 +33,11 @@ public:
     // library tidies up after it. xercesc::OutOfMemoryException when there is
     // no memory at all.
     void* allocate(XMLSize_t size) override;
+
+    // The same, behind so many bytes more in the same block that do not count:
+    // what a caller needs to keep its accounts.
+    void* allocateBehind(std::size_t uncounted, XMLSize_t size);
+
     void deallocate(void* block) override;
     xercesc::MemoryManager* getExceptionMemoryManager() override;
 

@@ -1,12 +1,10 @@
 #include "OvMemCppBinding/util/ParseMemory.h"
 
-#include <algorithm>
-#include <limits>
 #include <new>
 
 namespace Orvane::Net::OvModelEventManager::Util {
 
-ParseMemory::ParseMemory(xercesc::MemoryManager& theSource, ParseTime& theTime)
+ParseMemory::ParseMemory(LimitedMemory& theSource, ParseTime& theTime)
     : source(theSource), time(theTime), ring{&ring, &ring} {}
 
 ParseMemory::~ParseMemory() {
@@ -16,10 +14,7 @@ ParseMemory::~ParseMemory() {
 
 void* ParseMemory::allocate(XMLSize_t size) {
     time.checkOnce();
-    // A size that no block can have is for the source to refuse.
-    constexpr XMLSize_t most =
-        std::numeric_limits<XMLSize_t>::max() - sizeof(Link);
-    void* const room = source.allocate(sizeof(Link) + std::min(size, most));
+    void* const room = source.allocateBehind(sizeof(Link), size);
     Link* const link = new (room) Link{&ring, ring.next};
     ring.next->previous = link;
     ring.next = link;

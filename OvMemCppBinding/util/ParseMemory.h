@@ -5,6 +5,7 @@
 
 #include <xercesc/framework/MemoryManager.hpp>
 
+#include "OvMemCppBinding/util/LimitedMemory.h"
 #include "OvMemCppBinding/util/ParseTime.h"
 
 namespace Orvane::Net::OvModelEventManager::Util {
@@ -21,7 +22,7 @@ namespace Orvane::Net::OvModelEventManager::Util {
 // Threads: one at a time, as the reader.
 class ParseMemory : public xercesc::MemoryManager {
 public:
-    ParseMemory(xercesc::MemoryManager& source, ParseTime& time);
+    ParseMemory(LimitedMemory& source, ParseTime& time);
 
     // Gives back what is left.
     ~ParseMemory() override;
@@ -35,13 +36,14 @@ public:
     xercesc::MemoryManager* getExceptionMemoryManager() override;
 
 private:
-    // Stands before every block and links it with the others, in a ring.
+    // Stands before every block and links it with the others, in a ring. It
+    // does not count as memory of the XML library.
     struct alignas(std::max_align_t) Link {
         Link* previous;
         Link* next;
     };
 
-    xercesc::MemoryManager& source;
+    LimitedMemory& source;
     ParseTime& time;
     Link ring;  // no block of its own
 };

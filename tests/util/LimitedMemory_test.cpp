@@ -69,6 +69,15 @@ TEST_F(LimitedMemoryTest, GivesBackWhatIsDeallocated) {
     EXPECT_EQ(bytesInUse(), inUse);
 }
 
+TEST_F(LimitedMemoryTest, WhatABlockHasBesideItsSizeDoesNotCount) {
+    memory.limitGrowth(100);
+    void* const block = memory.allocateBehind(1000, 100);
+    EXPECT_EQ(memory.held(), before + 100);
+    std::memset(block, 0x5A, 1100);
+    EXPECT_EQ(thrownBy([&] { memory.allocateBehind(1000, 1); }), beyond("100"));
+    memory.deallocate(block);
+}
+
 TEST_F(LimitedMemoryTest, BlocksAreAlignedForAnything) {
     for (const std::size_t size : {0U, 1U, 7U, 16U, 1000U}) {
         void* const block = memory.allocate(size);
