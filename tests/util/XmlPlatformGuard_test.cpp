@@ -338,6 +338,10 @@ TEST(XmlPlatformGuard, AFolderComesWithTheSameLimits) {
         EXPECT_EQ(parsing("<r>" + std::string(17000000, 'x') + "</r>"),
                   domException("the tree of a document may hold no more than "
                                "16777216 bytes"));
+        EXPECT_EQ(parsing("<" + std::string(17000000, 'r') + "/>"),
+                  domException("the XML library may hold no more than 16777216 "
+                               "bytes"));
+        EXPECT_EQ(parsing(withDtd), dtdRefused);
     });
 }
 
