@@ -108,9 +108,10 @@ class Worker:
             head, *files = block.strip().split("\n")
             name = head.split(":")[0]
             for file in files if name in wanted else []:
-                if file.strip().startswith(prefix):
-                    path = file.strip()[len(prefix):]
-                    self.objects.setdefault(path, []).append(name)
+                # A compiler cache may have made it relative.
+                file = os.path.normpath(os.path.join(self.build, file.strip()))
+                if file.startswith(prefix):
+                    self.objects.setdefault(file[len(prefix):], []).append(name)
 
     def _needed_objects(self):
         listed = subprocess.run(
