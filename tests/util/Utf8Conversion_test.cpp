@@ -100,6 +100,7 @@ TEST(UnicodeConverter, ReleasesEverythingAndMayDoSoAgain) {
     EXPECT_EQ(converter.byteBuffer, nullptr);
     EXPECT_EQ(converter.defaultConverter, nullptr);
     EXPECT_EQ(converter.utf8Converter, nullptr);
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): of now.
     const auto released = converters.calls();
     EXPECT_EQ(released,
               (ScriptedConverters::Calls{"open default", "open UTF-8",

@@ -132,7 +132,7 @@ TEST(ValueText, AWrittenDoubleReadsBackUnchanged) {
     std::mt19937_64 random(20090601);
     for (int round = 0; round < 2000; ++round) {
         const std::uint64_t bits = random();
-        double value;
+        double value = 0;
         std::memcpy(&value, &bits, sizeof(value));
         if (value == value && value <= Limits::max() &&
             value >= Limits::lowest()) {
