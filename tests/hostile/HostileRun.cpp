@@ -49,7 +49,7 @@ void limit(int resource, rlim_t value) {
 }
 
 // What was needed before the reply comes hides nothing of what it takes: free
-// blocks go back to the kernel, and the peak of the process begins anew;
+// blocks go back to the kernel, and the peak of the process begins again;
 // where the kernel does not let it, what is measured is too much.
 void forgetThePeak() {
     ::malloc_trim(0);
