@@ -95,7 +95,7 @@ private:
                           "Give " + name + " a value, or write " + name +
                               "= for the empty one.");
         }
-        const std::string value = rest[next++];
+        std::string value = rest[next++];
         if (value.starts_with("--")) {
             throw refusal(name + " is followed by '" + value +
                               "', which begins like an option.",
