@@ -14,6 +14,7 @@ from tree import Finding
 
 TOOL = "clang-tidy-14"
 BUILD = "build/dev"
+OWN = f"{BUILD}/tidy"
 FOLDERS = ("OvMemCppBinding/", "emulator/", "cli/", "examples/")
 SAID = re.compile(r"^(/\S+?):(\d+):\d+: (?:error|warning): (.*?)(?:,-warnings-as-errors)?(\]?)$",
                   re.M)
@@ -35,10 +36,10 @@ def check(tree):
 
 
 def _look(tree, path, rest):
-    known = os.path.join(tree.file(BUILD), "tidy", _digest(tree, [path], rest))
+    known = os.path.join(tree.file(OWN), _digest(tree, [path], rest))
     if os.path.exists(known):
         return []
-    done = subprocess.run([TOOL, "-p", BUILD, "--quiet", path], cwd=tree.root, text=True,
+    done = subprocess.run([TOOL, "-p", OWN, "--quiet", path], cwd=tree.root, text=True,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
     findings = [Finding(os.path.relpath(file, os.path.realpath(tree.root)), int(line),
                         text + end)
@@ -46,20 +47,27 @@ def _look(tree, path, rest):
     if done.returncode and not findings:
         return [Finding(path, 0, f"{TOOL} fails: {(done.stdout + done.stderr).strip()}")]
     if not findings:
-        os.makedirs(os.path.dirname(known), exist_ok=True)
         with open(known, "w", encoding="utf-8"):
             pass
     return findings
 
 
 def _commands(tree):
+    """The command of each source. Of a source that tests compile once more, with
+    g++'s precompiled headers, it is the command of its own target, which stands
+    first; clang-tidy is given a list of just these."""
     file = tree.file(f"{BUILD}/compile_commands.json")
     if not os.path.exists(file):
         return {}
     root = os.path.realpath(tree.root)
+    own = {}
     with open(file, encoding="utf-8") as opened:
-        return {os.path.relpath(os.path.realpath(one["file"]), root): one["command"]
-                for one in json.load(opened)}
+        for one in json.load(opened):
+            own.setdefault(os.path.relpath(os.path.realpath(one["file"]), root), one)
+    os.makedirs(tree.file(OWN), exist_ok=True)
+    with open(tree.file(f"{OWN}/compile_commands.json"), "w", encoding="utf-8") as list_:
+        json.dump(list(own.values()), list_)
+    return {path: one["command"] for path, one in own.items()}
 
 
 def _digest(tree, paths, rest=""):

@@ -1,6 +1,7 @@
 #include "tests/cli/Program.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ostream>
@@ -48,6 +49,35 @@ public:
 
 private:
     posix_spawn_file_actions_t actions;
+};
+
+// What the new process does at a signal: what is usual, and nothing is blocked.
+// A test that runs in the background of a shell has SIGINT and SIGQUIT ignored,
+// which its children would inherit.
+class UsualSignals {
+public:
+    UsualSignals() {
+        check(posix_spawnattr_init(&attributes), "signals");
+        sigset_t usual;
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigemptyset(&usual);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) {
+            sigaddset(&usual, signal);
+        }
+        posix_spawnattr_setsigdefault(&attributes, &usual);
+        posix_spawnattr_setsigmask(&attributes, &blocked);
+        posix_spawnattr_setflags(
+            &attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    }
+    ~UsualSignals() { posix_spawnattr_destroy(&attributes); }
+    UsualSignals(const UsualSignals&) = delete;
+    UsualSignals& operator=(const UsualSignals&) = delete;
+
+    const posix_spawnattr_t* get() const { return &attributes; }
+
+private:
+    posix_spawnattr_t attributes{};
 };
 
 class Pipe {
@@ -219,8 +249,9 @@ RunningProgram Program::start(const Arguments& arguments) const {
         variables.emplace_back(name).append("=").append(value);
     }
     pid_t process = -1;
+    const UsualSignals signals;
     check(
-        posix_spawn(&process, run.c_str(), actions.get(), nullptr,
+        posix_spawn(&process, run.c_str(), actions.get(), signals.get(),
                     pointers(argumentTexts).data(), pointers(variables).data()),
         run.c_str());
     return RunningProgram(process, reader, std::move(folder));
