@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "tests/cli/CliTest.h"
 
 using OvMemTest::CliTest;
@@ -192,4 +194,22 @@ TEST_F(Exchange, AnIdentityThatIsEmptyOnPurposeIsRegistered) {
               (Outcome{0, "",
                        "ovmem: Registered '' at ''; 0 other clients share the "
                        "events.\n"}));
+}
+
+TEST_F(Exchange, EventsThatArePutBackReachEveryOtherClientOnceMore) {
+    registerClient("boiler");
+    registerClient("pump");
+    EXPECT_EQ(as("valve").input("open").run({"put"}).exitCode, 0);
+    EXPECT_EQ(eventsOf("boiler"), "open");
+    EXPECT_EQ(as("pump").outputTo("/dev/full").run({"get"}).exitCode, 9);
+    const std::filesystem::directory_iterator saved(folder /
+                                                    "home/.local/state/ovmem");
+    ASSERT_NE(saved, std::filesystem::directory_iterator());
+    EXPECT_EQ(as("pump").run({"rescue", "put-back", saved->path()}),
+              (Outcome{0, "boiler\nvalve\n",
+                       "ovmem: Put back 4 bytes and removed 1 file; 2 other "
+                       "clients share the events.\n"}));
+    EXPECT_EQ(eventsOf("boiler"), "open");
+    EXPECT_EQ(eventsOf("valve"), "open");
+    EXPECT_EQ(eventsOf("pump"), "");
 }
