@@ -209,8 +209,7 @@ TEST_F(Rescue, AFileStaysWhenTheIdentityCannotBeRegistered) {
     EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Check that the service can be reached, then "
-                       "try again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
     EXPECT_EQ(savedFiles().size(), 2u);
 }
 
@@ -220,7 +219,8 @@ TEST_F(Rescue, AFileThatTheServiceDidNotAcceptStays) {
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
                        "ovmem: Unless the text says otherwise, the events may "
-                       "have arrived; put again, they may arrive twice.\n"}));
+                       "have arrived. If you put them again, they may arrive "
+                       "twice.\n"}));
     EXPECT_EQ(savedFiles().size(), 2u);
 }
 

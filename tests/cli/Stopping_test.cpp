@@ -200,8 +200,7 @@ TEST_F(Stopping, AFailureOfTheServiceIsReportedToo) {
     EXPECT_EQ(running.waitForEnd(),
               (Outcome{143, "the events",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Check that the service can be reached, then try "
-                       "again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Stopping, AReaderThatGoesAfterTheSignalLeavesTheEventsSaved) {
