@@ -10,13 +10,17 @@
 //                                   takes no more than 1000 bytes
 //     fsync - 1 hang -              the first one of all does not return
 //
-// A call that hangs adds a byte to the file OVMEM_TEST_REACHED, and goes on
-// when the file OVMEM_TEST_GO exists. Of several rules that fit, the first
-// counts. OVMEM_TEST_LARGEST_NEW is the size from which operator new fails once
-// a reply has been received.
+// A call that hangs adds "x" to the file OVMEM_TEST_REACHED, and "i" each time
+// a signal interrupts it; it goes on when the file OVMEM_TEST_GO exists. Of
+// several rules that fit, the first counts.
+// Calls of "new" count from the moment at which a thread blocks signals.
+//
+// OVMEM_TEST_LARGEST_NEW is the size from which operator new fails once a reply
+// has been received.
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -50,6 +54,7 @@ Rule rules[MOST_RULES];
 int ruleCount = 0;
 std::atomic<bool> received = false;
 
+std::atomic<bool> blocked = false;  // signals
 [[noreturn]] void refuse(const char* text) {
     std::fprintf(stderr, "faults: cannot understand '%s'\n", text);
     std::abort();
@@ -116,15 +121,21 @@ struct Target {
     }
 };
 
-void hang() {
+void note(const char* letter) {
     const int reached = static_cast<int>(
         syscall(SYS_openat, AT_FDCWD, std::getenv("OVMEM_TEST_REACHED"),
                 O_WRONLY | O_APPEND | O_CREAT, 0600));
     syscall(SYS_write, reached, "x", 1);
     syscall(SYS_close, reached);
     const timespec interval = {0, 2000000};
+}
+
+void hang() {
+    note("x");
     while (access(std::getenv("OVMEM_TEST_GO"), F_OK) != 0) {
-        nanosleep(&interval, nullptr);
+        if (nanosleep(&interval, nullptr) != 0) {
+            note("i");
+        }
     }
 }
 
@@ -273,6 +284,16 @@ INTERPOSED int pthread_create(pthread_t* thread,
         int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
     static const auto next =
         reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+INTERPOSED int pthread_sigmask(int how, const sigset_t* set,
+                               sigset_t* former) noexcept {
+    using Mask = int (*)(int, const sigset_t*, sigset_t*);
+    static const auto next =
+        reinterpret_cast<Mask>(dlsym(RTLD_NEXT, "pthread_sigmask"));
+    const int result = next(how, set, former);
+    blocked = how == SIG_BLOCK;
+    return result;
+}
+
     const Fault fault = faultOf("thread", {"", -1});
     return fault.fails ? fault.error
                        : next(thread, attributes, start, argument);
@@ -286,6 +307,9 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size) {
         if (void* block = std::malloc(size == 0 ? 1 : size)) {
             return block;
         }
+    }
+    if (blocked && faultOf("new", {"", -1}).fails) {
+        throw std::bad_alloc();
     }
     throw std::bad_alloc();
 }
