@@ -31,6 +31,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <time.h>
@@ -53,8 +54,8 @@ struct Rule {
 Rule rules[MOST_RULES];
 int ruleCount = 0;
 std::atomic<bool> received = false;
-
 std::atomic<bool> blocked = false;  // signals
+
 [[noreturn]] void refuse(const char* text) {
     std::fprintf(stderr, "faults: cannot understand '%s'\n", text);
     std::abort();
@@ -82,7 +83,7 @@ int numberOf(const char* name) {
         int number;
     } errors[] = {{"EAGAIN", EAGAIN}, {"EDQUOT", EDQUOT}, {"EINTR", EINTR},
                   {"EINVAL", EINVAL}, {"EIO", EIO},       {"EMFILE", EMFILE},
-                  {"ENOSPC", ENOSPC}, {"NONE", 0}};
+                  {"ENOLCK", ENOLCK}, {"ENOSPC", ENOSPC}, {"NONE", 0}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -125,13 +126,13 @@ void note(const char* letter) {
     const int reached = static_cast<int>(
         syscall(SYS_openat, AT_FDCWD, std::getenv("OVMEM_TEST_REACHED"),
                 O_WRONLY | O_APPEND | O_CREAT, 0600));
-    syscall(SYS_write, reached, "x", 1);
+    syscall(SYS_write, reached, letter, 1);
     syscall(SYS_close, reached);
-    const timespec interval = {0, 2000000};
 }
 
 void hang() {
     note("x");
+    const timespec interval = {0, 2000000};
     while (access(std::getenv("OVMEM_TEST_GO"), F_OK) != 0) {
         if (nanosleep(&interval, nullptr) != 0) {
             note("i");
@@ -268,6 +269,12 @@ INTERPOSED int unlink(const char* path) noexcept {
                      [&](std::size_t) { return syscall(SYS_unlink, path); }));
 }
 
+INTERPOSED int flock(int file, int operation) noexcept {
+    return static_cast<int>(unlessFaulty(
+        "flock", {nullptr, file},
+        [&](std::size_t) { return syscall(SYS_flock, file, operation); }));
+}
+
 INTERPOSED int32_t OvMem_Receive(char* buffer) {
     using Receive = int32_t (*)(char*);
     static const auto next =
@@ -277,13 +284,6 @@ INTERPOSED int32_t OvMem_Receive(char* buffer) {
     return next(buffer);
 }
 
-INTERPOSED int pthread_create(pthread_t* thread,
-                              const pthread_attr_t* attributes,
-                              void* (*start)(void*), void* argument) noexcept {
-    using Create =
-        int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
-    static const auto next =
-        reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
 INTERPOSED int pthread_sigmask(int how, const sigset_t* set,
                                sigset_t* former) noexcept {
     using Mask = int (*)(int, const sigset_t*, sigset_t*);
@@ -294,6 +294,13 @@ INTERPOSED int pthread_sigmask(int how, const sigset_t* set,
     return result;
 }
 
+INTERPOSED int pthread_create(pthread_t* thread,
+                              const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept {
+    using Create =
+        int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    static const auto next =
+        reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
     const Fault fault = faultOf("thread", {"", -1});
     return fault.fails ? fault.error
                        : next(thread, attributes, start, argument);
@@ -301,15 +308,15 @@ INTERPOSED int pthread_sigmask(int how, const sigset_t* set,
 
 #ifndef __SANITIZE_ADDRESS__
 __attribute__((visibility("default"))) void* operator new(std::size_t size) {
+    if (blocked && faultOf("new", {"", -1}).fails) {
+        throw std::bad_alloc();
+    }
     const char* largest =
         received ? std::getenv("OVMEM_TEST_LARGEST_NEW") : nullptr;
     if (largest == nullptr || size < std::strtoul(largest, nullptr, 10)) {
         if (void* block = std::malloc(size == 0 ? 1 : size)) {
             return block;
         }
-    }
-    if (blocked && faultOf("new", {"", -1}).fails) {
-        throw std::bad_alloc();
     }
     throw std::bad_alloc();
 }
