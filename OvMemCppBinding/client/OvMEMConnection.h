@@ -39,18 +39,15 @@ class OvMEMRequest;
 // Whether two connections may be used on two threads at once is up to the
 // transport, which they share too; the emulator's keeps one exchange a thread.
 //
-// THROWS: from every operation, beside what stands there,
+// THROWS: from every operation, besides what is said there,
 //   - the client exceptions of Exceptions.h, by value, where the transport,
 //     the service or the conversion of the headers fails;
-//   - DomException for a reply that is not the expected XML; by then the
+//   - util/DomException for a reply that is not the expected XML; by then the
 //     service has carried the request out (getStatus reads no XML);
 //   - std::bad_alloc and the XML library's own exceptions for want of memory.
 // docs/errors.md lists them with their texts. After any of them the connection
-// can be used again.
-//
-// THROWS: the family of Exceptions.h, and util/DomException for a reply that
-// is not the expected XML; docs/errors.md lists every text. A failed operation
-// leaves the connection usable.
+// can be used again, unless the transport has written past its buffer ("Reply
+// chunk exceeds the receive buffer."): then stop the process.
 class OVMEM_EXPORT OvMEMConnection {
 public:
     // Construction and copying.

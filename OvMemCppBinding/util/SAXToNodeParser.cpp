@@ -110,10 +110,10 @@ void SAXToNodeParser::prepareReader() {
     static_cast<void>(reader.release());
     guarded = std::move(nextGuarded);
     reader = std::move(created);
-    if (guarded)
-        guarded->watch(*reader);
     reader->setContentHandler(this);
     reader->setErrorHandler(this);
+    if (guarded)
+        guarded->watch(*reader);
 }
 
 void SAXToNodeParser::appendText(const XMLCh* chars) {

@@ -16,7 +16,9 @@ namespace Orvane::Net::OvModelEventManager::Util {
 // Parses an XML document into a tree of XMLNode.
 //
 // Each parser serves one parse. The reader works with the defaults of the XML
-// library, so a parser trusts its document.
+// library, so a parser trusts its document. On a platform that an
+// XmlPlatformGuard started the reader has a memory manager of its own, and
+// until the guard ends it is watched by two more handlers.
 //
 // Ownership: the tree belongs to the parser, until its destruction or its next
 // parse.

@@ -8,7 +8,7 @@ namespace Orvane::Net::OvModelEventManager::Util {
 
 namespace {
 
-// Time in the coin of memory: a declaration is passed in about a nanosecond.
+// Time charged as memory: to pass one declaration takes about a nanosecond.
 constexpr std::size_t declarationPrice = 64;
 constexpr std::size_t declarationsPassedForOne = 8;
 

@@ -27,28 +27,32 @@ namespace Util {
 //     and constructing a connection costs next to nothing;
 //   - the XML library opens no network connection, and no file but regular
 //     files below the folder it was given, if any;
-//   - a document with a DTD is refused, and with it every entity of its own;
+//   - a document with a DTD is refused, and with it every entity of its own
+//     (after clearenv(), a document type that declares nothing and names no
+//     other document, such as `<!DOCTYPE r>`, is accepted);
 //   - the XML library holds no more memory than it was granted, on top of what
 //     the platform itself takes, and the tree of a document no more than as
 //     much again; what a parse that fails took goes back as a whole;
 //   - a document nested deeper than 1000 elements is refused, since the time
 //     that the XML library takes grows with the square of the depth;
-//   - a parse that takes more than 750 ms of processor time is refused, or as
-//     many times 750 ms as 16 MiB were granted;
+//   - a parse that takes more than 750 ms of processor time is refused; for
+//     each further 16 MiB that are granted it may take another 750 ms;
 //   - where the XML library would end the process, it throws DomException.
 //
 // Whatever a reply does then ends as a DomException; docs/errors.md lists the
 // texts, SECURITY.md says what it costs and what it does not protect from.
 //
 // It sets no feature of any reader: what a document within these limits means
-// is the same with and without it.
+// is the same with and without it. Our own readers have a memory manager for
+// each parse and, until the guard ends, an advanced document handler and a
+// lexical handler besides the usual handlers.
 //
 // Ownership: one for a process, held by the application from before its first
 // connection to after its last. The platform is the process's: another user of
 // the XML library in it is under the same rules as to files, network and
-// memory. As to DTDs it is by the environment variable XERCES_DISABLE_DTD,
-// which child processes inherit; without that variable our own parses refuse a
-// DTD all the same.
+// memory. Its DTDs are refused through the environment variable
+// XERCES_DISABLE_DTD, which child processes inherit. Our own parses do not
+// depend on that variable, but for the exception above.
 //
 // Threads: construct and destroy it while no other thread uses the XML library
 // or the environment. Under it, connections may be used on several threads at

@@ -1,4 +1,4 @@
-"""A copy of the working tree, of which the files that differ are written anew."""
+"""A copy of the working tree, in which only the files that differ are rewritten."""
 
 import os
 import shutil

@@ -11,6 +11,14 @@ HostileReply flood(const std::string& name, const std::string& beginning,
     return {name, {{beginning}, middle, {end}}, guarded, bare};
 }
 
+// Long and harmless. The XML library takes at least half of the processor time
+// that the guard grants, so a slower machine refuses it.
+HostileReply lengthy(const std::string& name, const std::string& beginning,
+                     const Piece& middle, const std::string& end) {
+    return {
+        name, {{beginning}, middle, {end}}, accepted, accepted, timeLimit()};
+}
+
 // Numbers in place of the "#" of a text, from 0.
 std::string numbered(const std::string& text, std::size_t count) {
     std::string all;
@@ -74,6 +82,7 @@ std::vector<HostileReply> floodReplies() {
               {}),
         flood("LongBlankInATag", "<r", {" ", many / 2}, "/>", accepted,
               accepted),
+        lengthy("LongerBlankInATag", "<r", {" ", many}, "/>"),
         flood("LongBlankBehindTheRoot", "<r/>", {" ", many}, "", libraryLimit(),
               {}),
         flood("LongEntityName", "<r>&", {"x", many}, ";</r>", libraryLimit(),
@@ -104,6 +113,8 @@ std::vector<HostileReply> floodReplies() {
               accepted),
         flood("ManyComments", "<r>", {"<!---->", many / 80}, "</r>", accepted,
               accepted),
+        lengthy("MoreInstructions", "<r>", {"<?p?>", many / 40}, "</r>"),
+        lengthy("MoreComments", "<r>", {"<!---->", many / 40}, "</r>"),
         flood("ManyIdentifiers", "<r>",
               {"<sharedClients>x</sharedClients>", many / 10000}, "</r>",
               accepting(std::vector<std::string>(many / 10000, "x")),

@@ -36,6 +36,9 @@ struct HostileReply {
     Fate guarded;
     // Nothing for what is not tried without the guard.
     std::optional<Fate> bare;
+    // What may also become of it under the guard, where that depends on how
+    // fast the machine is.
+    std::optional<Fate> guardedWhenSlow = {};
 };
 
 // The tables.

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """every_test_runs.py SOURCE BUILD: every file of tests is part of a program or
-script that CTest starts, and every test of a program is of some entry of CTest."""
+script that CTest starts, every test of a program is of some entry of CTest, and
+none has a name that GoogleTest takes for disabled."""
 
 import json
 import os
+import re
 import subprocess
 import sys
 
@@ -64,6 +66,11 @@ def of_files(source, build, started):
             yield f"{path}: no entry of CTest starts its program {target}"
 
 
+def is_disabled(name):
+    """Whether GoogleTest lists it, but does not run it."""
+    return any(part.startswith("DISABLED_") for part in re.split(r"[./]", name))
+
+
 def of_programs(started):
     selected = {}
     for command in started:
@@ -71,9 +78,12 @@ def of_programs(started):
         if filters:
             selected.setdefault(command[0], []).append(filters[0])
     for program, filters in sorted(selected.items()):
+        every = tests(program)
         run = set().union(*(tests(program, one) for one in filters))
-        for name in sorted(tests(program) - run):
+        for name in sorted(every - run):
             yield f"{os.path.basename(program)}: no entry of CTest selects {name}"
+        for name in sorted(filter(is_disabled, every)):
+            yield f"{os.path.basename(program)}: {name} is disabled and never runs"
 
 
 def main(source, build):

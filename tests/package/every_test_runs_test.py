@@ -57,6 +57,21 @@ class EveryTestRuns(unittest.TestCase):
         self.assertEqual((1, "program: no entry of CTest selects All/B.Three/0\n"),
                          self.found())
 
+    def test_a_test_or_a_suite_that_is_disabled_is_an_error(self):
+        for listed, name in [("A.\\n  DISABLED_One\\n", "A.DISABLED_One"),
+                             ("DISABLED_A.\\n  One\\n", "DISABLED_A.One"),
+                             ("All/DISABLED_B.\\n  One/0\\n", "All/DISABLED_B.One/0"),
+                             ("All/B.\\n  DISABLED_One/0\\n", "All/B.DISABLED_One/0")]:
+            with self.subTest(name):
+                self.write("build/bin/program", f"#!/bin/sh\nprintf '{listed}'\n")
+                self.assertEqual((1, f"program: {name} is disabled and never runs\n"),
+                                 self.found())
+
+    def test_a_name_that_only_holds_the_word_is_none(self):
+        self.write("build/bin/program",
+                   "#!/bin/sh\nprintf 'A.\\n  IsDISABLED_Now\\n'\n")
+        self.assertEqual((0, ""), self.found())
+
     def test_a_source_that_no_program_is_built_from_is_an_error(self):
         self.write("source/tests/deeper/C_test.cpp", "")
         self.assertEqual((1, "tests/deeper/C_test.cpp: no program is built from it\n"),

@@ -5,7 +5,7 @@ with what the installed headers declare.
 Usage: exported_symbols.py LIBRARY INCLUDE [--update]
 
 LIBRARY is libOvMemCppBinding.so, INCLUDE the folder of the installed headers.
---update writes the list anew; look at the difference before you commit it: a
+--update rewrites the list; look at the difference before you commit it: a
 line gone is an application that no longer starts.
 """
 
