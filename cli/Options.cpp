@@ -46,11 +46,12 @@ with "Base64" added ("eventsBase64").
 Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
 refused before anything is sent.
 
-Being told to stop. SIGTERM, SIGINT, SIGHUP and SIGQUIT do not end get while
-events are on their way: it delivers them, then ends. A second signal, or
+Being told to stop. SIGTERM, SIGINT and the other signals that end a process do
+not end get while events are on their way: it delivers them, then ends. A second signal, or
 --grace seconds after the first, ends it at once: if the service has not
 answered by then, what it has handed out is lost; if standard output has not
-taken everything, the events are saved.
+taken everything, the events are saved. So they are at Ctrl-C, Ctrl-\ and Ctrl-Z
+while get writes to a terminal, which drops output at these keys.
 
 Undelivered events. When get cannot deliver what it has fetched, it saves the
 events in a file and says where: in $XDG_STATE_HOME/ovmem or
