@@ -104,13 +104,12 @@ void deliver(const std::string& events,
     }
     watch.enter(SignalWatch::Phase::Saving);
     const Rescue rescue = events.empty() ? Rescue() : saveToRescueFile(events);
-    const std::string reason = written
-                                   ? reasonOfDoubt(progress, watch, dropped)
-                                   : reasonOf(progress, watch);
+    const std::string reason = written ? reasonOfDoubt(progress, watch, dropped)
+                                       : reasonOf(progress, watch);
     const bool stopped = written ? watch.signal() != 0 : watch.isOver();
-    throw Failure{stopped ? exitCodeOfSignal(watch.signal())
-                          : ExitCode::InputOutput,
-                  reason, fateOf(events, rescue)};
+    throw Failure{
+        stopped ? exitCodeOfSignal(watch.signal()) : ExitCode::InputOutput,
+        reason, fateOf(events, rescue)};
 }
 
 }  // namespace ovmem::cli

@@ -18,8 +18,8 @@ namespace {
 // has it blocked but while it delivers: somebody else may send it as well.
 const int NUDGE = SIGURG;
 
-// What the keys of a terminal send when they make it drop its output; CONT stands
-// for the TSTP before it, which nobody keeps from stopping ovmem.
+// What the keys of a terminal send when they make it drop its output; CONT
+// stands for the TSTP before it, which nobody keeps from stopping ovmem.
 const int DROPPING[] = {SIGINT, SIGQUIT, SIGCONT};
 
 const SignalWatch::Duration LEAST_FOR_SAVING{5000};

@@ -64,8 +64,8 @@ public:
 
     // The signal that came while delivering and at which a terminal drops what
     // it was given and has not passed on: INT or QUIT, also if they were
-    // ignored when ovmem was started, or CONT, after a stop by a key. 0 if there
-    // was none. Hears whatever was sent before the call.
+    // ignored when ovmem was started, or CONT, after a stop by a key. 0 if
+    // there was none. Hears whatever was sent before the call.
     int droppedAt();
 
     // Whether the delivery is to be given up. When this becomes true, the

@@ -7,8 +7,8 @@
 #include "cli/ExitCode.h"
 
 // The signals by which a program is told to stop: all that end one unless it
-// says otherwise, from TERM and INT to the timers and the real-time signals. Not
-// among them are KILL, which nobody can catch, and those by which a program
+// says otherwise, from TERM and INT to the timers and the real-time signals.
+// Not among them are KILL, which nobody can catch, and those by which a program
 // fails on its own account (SEGV, ABRT and the like).
 
 namespace ovmem::cli {

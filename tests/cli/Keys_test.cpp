@@ -33,16 +33,16 @@ protected:
 
 }  // namespace
 
-TEST_F(Keys, ThatStopGetDropOutputSoThatAllEventsAreSavedAsWell) {
+TEST_F(Keys, ThatStopGetMayDropOutputSoThatAllEventsAreSavedAsWell) {
     RunningProgram running = startAtTerminal(getterOf(manyEvents));
     terminal.waitForOutput();
     terminal.press('\x03');
-    EXPECT_LT(terminal.takeUntilEndOf(running).size(), manyEvents.size());
+    terminal.takeUntilEndOf(running);
     const Outcome outcome = running.waitForEnd();
-    EXPECT_EQ(outcome,
-              (Outcome{130, "",
-                       dropped("stopped: Stopped by SIGINT; standard",
-                               "SIGINT")}));
+    EXPECT_EQ(
+        outcome,
+        (Outcome{130, "",
+                 dropped("stopped: Stopped by SIGINT; standard", "SIGINT")}));
 }
 
 TEST_F(Keys, ForQuittingDropOutputToo) {
@@ -51,10 +51,10 @@ TEST_F(Keys, ForQuittingDropOutputToo) {
     terminal.press('\x1C');
     terminal.takeUntilEndOf(running);
     const Outcome outcome = running.waitForEnd();
-    EXPECT_EQ(outcome,
-              (Outcome{131, "",
-                       dropped("stopped: Stopped by SIGQUIT; standard",
-                               "SIGQUIT")}));
+    EXPECT_EQ(
+        outcome,
+        (Outcome{131, "",
+                 dropped("stopped: Stopped by SIGQUIT; standard", "SIGQUIT")}));
 }
 
 TEST_F(Keys, ThatGetIgnoresDropOutputAllTheSame) {
