@@ -35,9 +35,12 @@ on a connection that is not registered, and report what the library says to
 that.
 
 Names. What others chose is escaped on a terminal and in the words: the bytes
-of control characters, and those that are not UTF-8, as \xNN, a backslash as
-two. A pipe or a file gets the names byte for byte. Events are written byte for
+of control and invisible characters, and those that are not UTF-8, as \xNN, a
+backslash as two. A pipe or a file gets the names byte for byte. Events are written byte for
 byte everywhere, also on a terminal; get --json shows unknown ones safely.
+
+Help. --help and --version are plain text, also with --json. They are answered
+even if an unknown option stands beside them.
 
 JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
@@ -165,7 +168,7 @@ Failure refusal(const std::string& text) {
 }
 
 Failure unexpected(const std::string& word) {
-    return refusal("The following argument was not expected: " + word + ".");
+    return refusal("The following argument was not expected: '" + word + "'.");
 }
 
 // True if the command line asked for an answer, which is then in `options`.
@@ -174,12 +177,18 @@ bool parse(CLI::App& app, const Arguments& arguments, Options& options) {
         // From the last word to the first, as the parser wants them.
         app.parse(std::vector<std::string>(arguments.words.rbegin(),
                                            arguments.words.rend()));
+        if (!arguments.unknown.empty()) {
+            throw unexpected(arguments.unknown);
+        }
         return false;
     } catch (const CLI::CallForHelp&) {
         options.answer = app.help();
     } catch (const CLI::CallForVersion& version) {
         options.answer = std::string(version.what()) + "\n";
     } catch (const CLI::RequiredError&) {
+        if (!arguments.unknown.empty()) {
+            throw unexpected(arguments.unknown);
+        }
         throw refusal(arguments.files.empty()
                           ? "A command is missing."
                           : "'" + arguments.files.front() +
