@@ -36,8 +36,9 @@ that.
 
 Names. What others chose is escaped on a terminal and in the words: the bytes
 of control and invisible characters, and those that are not UTF-8, as \xNN, a
-backslash as two. A pipe or a file gets the names byte for byte. Events are written byte for
-byte everywhere, also on a terminal; get --json shows unknown ones safely.
+backslash as two. A pipe or a file gets the names byte for byte. Events are
+written byte for byte everywhere, also on a terminal; get --json shows unknown
+ones safely.
 
 Help. --help and --version are plain text, also with --json. They are answered
 even if an unknown option stands beside them.
@@ -50,11 +51,12 @@ Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
 refused before anything is sent.
 
 Being told to stop. SIGTERM, SIGINT and the other signals that end a process do
-not end get while events are on their way: it delivers them, then ends. A second signal, or
---grace seconds after the first, ends it at once: if the service has not
-answered by then, what it has handed out is lost; if standard output has not
-taken everything, the events are saved. So they are at Ctrl-C, Ctrl-\ and Ctrl-Z
-while get writes to a terminal, which drops output at these keys.
+not end get while events are on their way: it delivers them, then ends. A
+second signal, or --grace seconds after the first, ends it at once: if the
+service has not answered by then, what it has handed out is lost; if standard
+output has not taken everything, the events are saved. So they are at Ctrl-C,
+Ctrl-\ and Ctrl-Z while get writes to a terminal, which drops output at these
+keys.
 
 Undelivered events. When get cannot deliver what it has fetched, it saves the
 events in a file and says where: in $XDG_STATE_HOME/ovmem or
