@@ -40,10 +40,8 @@ public:
                 sorted.files.push_back(word);
             } else if (word == "--") {
                 filesOnly = true;
-            } else if (word.starts_with("--")) {
-                takeOption(word);
             } else if (word.starts_with("-") && word != "-") {
-                sorted.words.push_back(word);
+                takeOption(word);
             } else {
                 takeBareWord(word);
             }
@@ -66,11 +64,14 @@ private:
     }
 
     void takeOption(const std::string& word) {
-        const std::size_t equals = word.find('=');
+        const bool isLong = word.starts_with("--");
+        const std::size_t equals = isLong ? word.find('=') : std::string::npos;
         const std::string name = word.substr(0, equals);
         const CLI::Option* option = findOption(app, name);
         if (option == nullptr) {
-            sorted.words.push_back(word);
+            if (sorted.unknown.empty()) {
+                sorted.unknown = word;
+            }
         } else if (option->get_items_expected_max() == 0) {
             if (equals != std::string::npos) {
                 throw refusal(name + " takes no value.",

@@ -17,6 +17,8 @@ struct Arguments {
     std::vector<std::string> words;  // commands and options; a value has a
                                      // word of its own, right after its name
     std::vector<std::string> files;  // every other word
+    std::string unknown;             // the first that begins like an option and
+                                     // is none; empty if there is none
     const CLI::App* command;         // the innermost one named; else the app
 };
 
@@ -29,8 +31,8 @@ struct Arguments {
 //     --            every word that follows is a file
 //     -             a file
 //
-// An option with a value is given once. What `app` does not know is left among
-// the words, for the parser to refuse.
+// An option with a value is given once. What `app` does not know is left to the
+// caller to refuse, who may answer a --help next to it first.
 //
 // THROWS: Failure with ExitCode::Usage.
 Arguments sortArguments(const CLI::App& app, int count,

@@ -5,6 +5,8 @@
 #include <new>
 #include <string_view>
 
+#include <unistd.h>
+
 #include "cli/Failure.h"
 #include "cli/RescueFile.h"
 #include "cli/StandardStreams.h"
@@ -20,8 +22,12 @@ struct Progress {
 };
 
 Progress write(std::string_view output, const SignalWatch& watch) {
-    return {tryWriteOutput(output, [&watch] { return watch.isOver(); }),
-            output.size()};
+    const auto isOver = [&watch] { return watch.isOver(); };
+    Written written = tryWriteOutput(output, isOver);
+    if (written.error == 0) {
+        written.error = drainOutput(isOver);
+    }
+    return {written, output.size()};
 }
 
 Progress makeAndWrite(const std::string& events,
@@ -47,6 +53,19 @@ std::string reasonOf(const Progress& progress, const SignalWatch& watch) {
                   "; it has taken ";
     return start + std::to_string(progress.written.bytes) + " of " +
            std::to_string(progress.size) + " bytes.";
+}
+
+// What is said of events that were all written, to a terminal that may not have
+// shown them.
+std::string reasonOfDoubt(const Progress& progress, const SignalWatch& watch,
+                          int signal) {
+    const std::string start =
+        watch.signal() == 0
+            ? "Standard"
+            : "Stopped by " + nameOfSignal(watch.signal()) + "; standard";
+    return start + " output has taken all " + std::to_string(progress.size) +
+           " bytes, but at " + nameOfSignal(signal) +
+           " the terminal may have dropped some of them.";
 }
 
 std::string fateOf(const std::string& events, const Rescue& rescue) {
@@ -78,15 +97,19 @@ void deliver(const std::string& events,
              SignalWatch& watch) {
     watch.enter(SignalWatch::Phase::Delivering);
     const Progress progress = makeAndWrite(events, makeOutput, watch);
-    if (progress.written.error == 0) {
+    const bool written = progress.written.error == 0;
+    const int dropped = isatty(STDOUT_FILENO) != 0 ? watch.droppedAt() : 0;
+    if (written && dropped == 0) {
         return;
     }
     watch.enter(SignalWatch::Phase::Saving);
     const Rescue rescue = events.empty() ? Rescue() : saveToRescueFile(events);
-    const std::string reason = reasonOf(progress, watch);
-    throw Failure{watch.isOver() ? exitCodeOfSignal(watch.signal())
-                                 : ExitCode::InputOutput,
-                  reason, fateOf(events, rescue)};
+    const std::string reason = written ? reasonOfDoubt(progress, watch, dropped)
+                                       : reasonOf(progress, watch);
+    const bool stopped = written ? watch.signal() != 0 : watch.isOver();
+    throw Failure{
+        stopped ? exitCodeOfSignal(watch.signal()) : ExitCode::InputOutput,
+        reason, fateOf(events, rescue)};
 }
 
 }  // namespace ovmem::cli

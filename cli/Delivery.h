@@ -10,9 +10,11 @@ namespace ovmem::cli {
 
 // Writes fetched events to standard output: what `makeOutput` returns, or the
 // events as they are where it is empty. If that fails, also for want of memory,
-// or the watch is over, saves the events elsewhere.
+// or the watch is over, saves the events elsewhere. So does a key that makes a
+// terminal drop its output, though everything was written.
 //
-// THROWS: Failure with ExitCode::InputOutput unless everything was written. It
+// THROWS: Failure with ExitCode::InputOutput or of a signal, unless everything
+// was written for good. It
 // says how much was, and where the events are.
 void deliver(const std::string& events,
              const std::function<std::string()>& makeOutput,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,7 +44,7 @@ class Source {
 public:
     explicit Source(const std::string& file)
         : borrowed(file == STANDARD_INPUT),
-          name(borrowed ? "standard input" : file),
+          name(borrowed ? "standard input" : "'" + file + "'"),
           descriptor(borrowed ? STDIN_FILENO
                               : open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
         if (descriptor < 0) {
@@ -87,7 +88,7 @@ public:
                 append({block.data(), static_cast<std::size_t>(count)}, begin,
                        text);
             }
-        } while (count > 0 || (count < 0 && errno == EINTR));
+        } while (count > 0 || (count < 0 && mayReadAgain()));
         if (count < 0) {
             fail();
         }
@@ -102,6 +103,16 @@ private:
         }
         requireRoom(text.size(), block.size());
         text += block;
+    }
+
+    // Whether the failed read() is worth another one. Waits for input where the
+    // descriptor does not block.
+    bool mayReadAgain() const {
+        if (errno == EAGAIN) {
+            pollfd input = {descriptor, POLLIN, 0};
+            return poll(&input, 1, -1) >= 0 || errno == EINTR;
+        }
+        return errno == EINTR;
     }
 
     [[noreturn]] void fail() const {

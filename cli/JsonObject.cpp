@@ -11,6 +11,11 @@ namespace ovmem::cli {
 namespace {
 
 std::string quoteCode(char32_t code) {
+    if (code > 0xFFFF) {  // as two surrogates
+        const char32_t offset = code - 0x10000;
+        return quoteCode(0xD800 + (offset >> 10)) +
+               quoteCode(0xDC00 + (offset & 0x3FF));
+    }
     const char digits[] = "0123456789abcdef";
     return {'\\',
             'u',

@@ -35,9 +35,13 @@ on a connection that is not registered, and report what the library says to
 that.
 
 Names. What others chose is escaped on a terminal and in the words: the bytes
-of control characters, and those that are not UTF-8, as \xNN, a backslash as
-two. A pipe or a file gets the names byte for byte. Events are written byte for
-byte everywhere, also on a terminal; get --json shows unknown ones safely.
+of control and invisible characters, and those that are not UTF-8, as \xNN, a
+backslash as two. A pipe or a file gets the names byte for byte. Events are
+written byte for byte everywhere, also on a terminal; get --json shows unknown
+ones safely.
+
+Help. --help and --version are plain text, also with --json. They are answered
+even if an unknown option stands beside them.
 
 JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
@@ -46,11 +50,13 @@ with "Base64" added ("eventsBase64").
 Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
 refused before anything is sent.
 
-Being told to stop. SIGTERM, SIGINT, SIGHUP and SIGQUIT do not end get while
-events are on their way: it delivers them, then ends. A second signal, or
---grace seconds after the first, ends it at once: if the service has not
-answered by then, what it has handed out is lost; if standard output has not
-taken everything, the events are saved.
+Being told to stop. SIGTERM, SIGINT and the other signals that end a process do
+not end get while events are on their way: it delivers them, then ends. A
+second signal, or --grace seconds after the first, ends it at once: if the
+service has not answered by then, what it has handed out is lost; if standard
+output has not taken everything, the events are saved. So they are at Ctrl-C,
+Ctrl-\ and Ctrl-Z while get writes to a terminal, which drops output at these
+keys.
 
 Undelivered events. When get cannot deliver what it has fetched, it saves the
 events in a file and says where: in $XDG_STATE_HOME/ovmem or
@@ -164,7 +170,7 @@ Failure refusal(const std::string& text) {
 }
 
 Failure unexpected(const std::string& word) {
-    return refusal("The following argument was not expected: " + word + ".");
+    return refusal("The following argument was not expected: '" + word + "'.");
 }
 
 // True if the command line asked for an answer, which is then in `options`.
@@ -173,12 +179,18 @@ bool parse(CLI::App& app, const Arguments& arguments, Options& options) {
         // From the last word to the first, as the parser wants them.
         app.parse(std::vector<std::string>(arguments.words.rbegin(),
                                            arguments.words.rend()));
+        if (!arguments.unknown.empty()) {
+            throw unexpected(arguments.unknown);
+        }
         return false;
     } catch (const CLI::CallForHelp&) {
         options.answer = app.help();
     } catch (const CLI::CallForVersion& version) {
         options.answer = std::string(version.what()) + "\n";
     } catch (const CLI::RequiredError&) {
+        if (!arguments.unknown.empty()) {
+            throw unexpected(arguments.unknown);
+        }
         throw refusal(arguments.files.empty()
                           ? "A command is missing."
                           : "'" + arguments.files.front() +

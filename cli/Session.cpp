@@ -3,6 +3,7 @@
 #include <cstring>
 #include <functional>
 #include <list>
+#include <new>
 #include <optional>
 
 #include <unistd.h>
@@ -25,6 +26,18 @@ namespace {
 
 long long sizeOf(const std::string& bytes) {
     return static_cast<long long>(bytes.size());
+}
+
+// What `read` returns: events that are to be sent.
+template <class Read>
+std::string readToSend(const Read& read) {
+    try {
+        return read();
+    } catch (const std::bad_alloc&) {
+        throw Failure{ExitCode::InputOutput,
+                      "There is not enough memory to read the events.",
+                      "Nothing was sent."};
+    }
 }
 
 Failure notAnswered(const Written& written) {
@@ -96,8 +109,15 @@ ExitCode Session::registerClient() {
     object.add("command", "register");
     object.add("server", *options.server);
     object.add("client", options.client);
-    return writeShared(object, "Registered '" + options.client + "' at '" +
-                                   *options.server + "'");
+    const ExitCode result =
+        writeShared(object, "Registered '" + options.client + "' at '" +
+                                *options.server + "'");
+    if (options.server->empty()) {
+        reporter.tell(
+            "The server identity is empty, which the library takes for none: "
+            "no other command can use this registration.");
+    }
+    return result;
 }
 
 ExitCode Session::clients() {
@@ -111,7 +131,7 @@ ExitCode Session::clients() {
 }
 
 ExitCode Session::put() {
-    std::string events = readEvents(options.files);
+    std::string events = readToSend([&] { return readEvents(options.files); });
     attach();
     shared.clear();
     std::string correlation = "ovmem.put";
@@ -187,7 +207,8 @@ ExitCode Session::unregister() {
 
 ExitCode Session::putBack() {
     std::list<SavedEvents> files;
-    std::string events = claimRescued(options, files);
+    std::string events =
+        readToSend([&] { return claimRescued(options, files); });
     attach();
     shared.clear();
     std::string correlation = "ovmem.rescue";
@@ -214,7 +235,8 @@ void Session::attach() {
 }
 
 void Session::tellRegistered() const {
-    if (progress.registered) {
+    // The library takes an empty server identity for none: what follows fails.
+    if (progress.registered && !options.server->empty()) {
         reporter.tell("'" + options.client + "' is registered at '" +
                       *options.server +
                       "'; if it was not before, it receives events from now "

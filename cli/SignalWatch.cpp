@@ -1,6 +1,7 @@
 #include "cli/SignalWatch.h"
 
 #include <algorithm>
+#include <iterator>
 #include <system_error>
 
 #include <unistd.h>
@@ -17,6 +18,10 @@ namespace {
 // has it blocked but while it delivers: somebody else may send it as well.
 const int NUDGE = SIGURG;
 
+// What the keys of a terminal send when they make it drop its output; CONT
+// stands for the TSTP before it, which nobody keeps from stopping ovmem.
+const int DROPPING[] = {SIGINT, SIGQUIT, SIGCONT};
+
 const SignalWatch::Duration LEAST_FOR_SAVING{5000};
 const SignalWatch::Duration ECHO{250};
 const SignalWatch::Duration BETWEEN_NUDGES{20};
@@ -29,15 +34,28 @@ bool isIgnored(int signal) {
     return current.sa_handler == SIG_IGN;
 }
 
-sigset_t signalsToWatch() {
+sigset_t signalsToObey() {
     sigset_t set;
     sigemptyset(&set);
-    for (int i = 0; i < STOP_SIGNALS; ++i) {
-        if (!isIgnored(stopSignal(i))) {
-            sigaddset(&set, stopSignal(i));
+    for (const int signal : stopSignals()) {
+        if (!isIgnored(signal)) {
+            sigaddset(&set, signal);
         }
     }
     return set;
+}
+
+bool isDropping(int signal) {
+    return std::find(std::begin(DROPPING), std::end(DROPPING), signal) !=
+           std::end(DROPPING);
+}
+
+bool isDroppingPending() {
+    sigset_t pending;
+    sigpending(&pending);
+    return std::any_of(
+        std::begin(DROPPING), std::end(DROPPING),
+        [&](int signal) { return sigismember(&pending, signal) == 1; });
 }
 
 Failure withoutThread(const std::system_error& error) {
@@ -85,11 +103,15 @@ SignalWatch::SignalWatch(Duration graceAfterSignal, const Reporter& voice)
     : grace(graceAfterSignal),
       reporter(voice),
       writer(pthread_self()),
-      waitedFor(signalsToWatch()) {
+      stopping(signalsToObey()),
+      waitedFor(stopping) {
     sigaddset(&waitedFor, NUDGE);
-    struct sigaction nudged = {};
-    nudged.sa_handler = ignoreNudge;  // without SA_RESTART
-    sigaction(NUDGE, &nudged, nullptr);
+    for (const int signal : DROPPING) {
+        sigaddset(&waitedFor, signal);  // blocked, it comes though ignored
+    }
+    struct sigaction harmless = {};
+    harmless.sa_handler = ignoreNudge;  // without SA_RESTART
+    sigaction(NUDGE, &harmless, nullptr);
     // The thread is started with all of them blocked.
     sigset_t former;
     pthread_sigmask(SIG_BLOCK, &waitedFor, &former);
@@ -132,6 +154,26 @@ int SignalWatch::signal() const {
     return first;
 }
 
+int SignalWatch::droppedAt() {
+    // What is pending no more may still have to be heard: hence a turn after
+    // the look that found nothing.
+    bool pending = true;
+    while (pending) {
+        pending = isDroppingPending();
+        waitForWatcher();
+    }
+    const std::lock_guard<std::mutex> lock(mutex);
+    return dropped;
+}
+
+// Until the watching thread has heard whatever it took before.
+void SignalWatch::waitForWatcher() {
+    std::unique_lock<std::mutex> lock(mutex);
+    const unsigned former = nudges;
+    pthread_kill(thread.native_handle(), NUDGE);
+    nudged.wait(lock, [&] { return nudges != former; });
+}
+
 bool SignalWatch::isOver() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return over;
@@ -144,7 +186,10 @@ void SignalWatch::watch() {
         if (finished) {
             return;
         }
-        if (number > 0 && number != NUDGE) {
+        if (number == NUDGE) {
+            ++nudges;
+            nudged.notify_all();
+        } else if (number > 0) {
             hear(number);
         }
         if (deadline && Clock::now() >= *deadline) {
@@ -183,7 +228,13 @@ std::optional<SignalWatch::Duration> SignalWatch::untilNext() const {
 }
 
 void SignalWatch::hear(int number) {
+    if (phase == Phase::Delivering && isDropping(number)) {
+        dropped = number;
+    }
     const auto now = Clock::now();
+    if (sigismember(&stopping, number) == 0) {
+        return;
+    }
     if (stopped || (number == latest && now < latestAt + ECHO)) {
         return;
     }

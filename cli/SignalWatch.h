@@ -2,6 +2,7 @@
 #define CLI_SIGNALWATCH_H
 
 #include <chrono>
+#include <condition_variable>
 #include <csignal>
 #include <mutex>
 #include <optional>
@@ -21,8 +22,8 @@ namespace ovmem::cli {
 //     watch.enter(SignalWatch::Phase::Delivering);
 //     while (... && !watch.isOver()) write(...);   // fails with EINTR
 //
-// The signals are TERM, INT, HUP and QUIT, but for those that were ignored
-// when ovmem was started (nohup). The first one is noted, and the grace
+// The signals are the stopSignals(), but for those that were ignored when ovmem
+// was started (nohup). The first one is noted, and the grace
 // begins. What a second one does, or the end of the grace, depends on the
 // phase:
 //
@@ -61,6 +62,12 @@ public:
     // The first signal; 0 if there was none.
     int signal() const;
 
+    // The signal that came while delivering and at which a terminal drops what
+    // it was given and has not passed on: INT or QUIT, also if they were
+    // ignored when ovmem was started, or CONT, after a stop by a key. 0 if
+    // there was none. Hears whatever was sent before the call.
+    int droppedAt();
+
     // Whether the delivery is to be given up. When this becomes true, the
     // system calls of the thread that constructed the watch fail with EINTR
     // until it enters another phase.
@@ -73,13 +80,15 @@ private:
     int waitForSignal();
     std::optional<Duration> untilNext() const;
     void hear(int number);
+    void waitForWatcher();
     void hurry();
     [[noreturn]] void endNow() const;
 
     const Duration grace;
     const Reporter& reporter;
     const pthread_t writer;
-    sigset_t waitedFor;
+    const sigset_t stopping;
+    sigset_t waitedFor;  // these and more
 
     mutable std::mutex mutex;  // guards what follows
     Phase phase = Phase::Registering;
@@ -88,9 +97,12 @@ private:
     bool stopped = false;  // before Telling
     int first = 0;
     int latest = 0;
+    int dropped = 0;
+    unsigned nudges = 0;  // that the watching thread has heard
     Clock::time_point latestAt;
     std::optional<Clock::time_point> deadline;
 
+    std::condition_variable nudged;
     std::thread thread;
 };
 

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "cli/Failure.h"
@@ -95,6 +96,24 @@ Written tryWriteOutput(std::string_view bytes,
         written.error = errorOnClose(STDOUT_FILENO);
     }
     return written;
+}
+
+int drainOutput(const std::function<bool()>& giveUp) {
+    if (isatty(STDOUT_FILENO) == 0) {
+        return 0;
+    }
+    // In the background, waiting for a terminal would stop the process.
+    sigset_t background;
+    sigset_t former;
+    sigemptyset(&background);
+    sigaddset(&background, SIGTTOU);
+    pthread_sigmask(SIG_BLOCK, &background, &former);
+    int error = EINTR;
+    while (error == EINTR && !giveUp()) {
+        error = tcdrain(STDOUT_FILENO) == 0 ? 0 : errno;
+    }
+    pthread_sigmask(SIG_SETMASK, &former, nullptr);
+    return error;
 }
 
 void writeOutput(std::string_view bytes) {

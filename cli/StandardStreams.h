@@ -35,7 +35,12 @@ Written tryWriteOutput(
     std::string_view bytes,
     const std::function<bool()>& giveUp = [] { return false; });
 
-// The same.
+// Waits until a terminal on standard output has passed on what it was given;
+// does nothing where there is none. Returns 0 or errno. `giveUp` is asked as by
+// tryWriteOutput().
+int drainOutput(const std::function<bool()>& giveUp);
+
+// The same as tryWriteOutput().
 //
 // THROWS: Failure with ExitCode::InputOutput unless all bytes got out.
 void writeOutput(std::string_view bytes);

@@ -2,19 +2,20 @@
 #define CLI_STOPSIGNAL_H
 
 #include <string>
+#include <vector>
 
 #include "cli/ExitCode.h"
 
-// The signals by which a program is told to stop: TERM, INT, HUP and QUIT.
+// The signals by which a program is told to stop: all that end one unless it
+// says otherwise, from TERM and INT to the timers and the real-time signals.
+// Not among them are KILL, which nobody can catch, and those by which a program
+// fails on its own account (SEGV, ABRT and the like).
 
 namespace ovmem::cli {
 
-inline constexpr int STOP_SIGNALS = 4;
+std::vector<int> stopSignals();
 
-// The `index`th of them, from 0.
-int stopSignal(int index);
-
-// "SIGTERM"
+// "SIGTERM", "SIGRTMIN+3"
 std::string nameOfSignal(int signal);
 
 // 128 + `signal`, as a shell reports a program that a signal ended.

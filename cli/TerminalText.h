@@ -12,7 +12,9 @@ namespace ovmem::cli {
 
 // True for the characters that a terminal obeys or that change how others
 // look: the controls C0, DEL and C1, the controls of the direction of writing,
-// and the line and paragraph separators. All of them are below U+10000.
+// and the line and paragraph separators. For those, too, that show nothing
+// themselves, so that two names would look alike: the joiners, the spaces
+// without a width, the selectors of variants, the tags.
 bool steersTerminal(char32_t code);
 
 // `text` with every such character, every byte that is no UTF-8, and the

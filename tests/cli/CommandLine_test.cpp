@@ -164,19 +164,21 @@ TEST_F(CommandLine, ACommandWithoutFilesTakesNone) {
     for (const std::string command :
          {"status", "register", "clients", "get", "unregister"}) {
         expectRefusal({command, "--quiet", "x"},
-                      "The following argument was not expected: x.", SEE_HELP);
+                      "The following argument was not expected: 'x'.",
+                      SEE_HELP);
         expectRefusal({command, "--", "--json"},
-                      "The following argument was not expected: --json.",
+                      "The following argument was not expected: '--json'.",
                       SEE_HELP);
     }
     EXPECT_EQ(trace(), "");
 }
 
 TEST_F(CommandLine, AfterTwoDashesEveryWordIsAFile) {
-    EXPECT_EQ(as("pump").run({"put", folder.write("a", "a"), "--", "--json"}),
-              (Outcome{9, "",
-                       "ovmem: input/output: Cannot read --json: No such file "
-                       "or directory.\novmem: Nothing was sent.\n"}));
+    EXPECT_EQ(
+        as("pump").run({"put", folder.write("a", "a"), "--", "--json"}),
+        (Outcome{9, "",
+                 "ovmem: input/output: Cannot read '--json': No such file "
+                 "or directory.\novmem: Nothing was sent.\n"}));
     EXPECT_EQ(trace(), "");
     expectRefusal({"--", "status"},
                   "'status' is neither a command nor an option.", SEE_HELP);
@@ -197,7 +199,7 @@ TEST_F(CommandLine, AFileInBracketsIsThatFile) {
     const std::string bracketed = "[" + folder.write("a", "a") + "]";
     EXPECT_EQ(as("pump").run({"put", bracketed}),
               (Outcome{9, "",
-                       "ovmem: input/output: Cannot read " + bracketed +
-                           ": No such file or directory.\n"
+                       "ovmem: input/output: Cannot read '" + bracketed +
+                           "': No such file or directory.\n"
                            "ovmem: Nothing was sent.\n"}));
 }

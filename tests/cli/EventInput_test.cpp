@@ -61,6 +61,10 @@ const Outcome TOO_LONG = {
     "one put carries.\n"
     "ovmem: Nothing was sent. Put them in several parts.\n"};
 
+std::string quoted(const std::string& file) {
+    return "'" + file + "'";
+}
+
 Outcome nulAt(std::size_t offset, const std::string& name) {
     return {1, "",
             "ovmem: usage: The byte at offset " + std::to_string(offset) +
@@ -90,7 +94,7 @@ TEST_F(EventInput, OfAFileThatIsTooLongIsNotRead) {
 
 TEST_F(EventInput, OfTheGreatestLengthIsRead) {
     const std::string file = sparse("a", MAX_EVENT_BYTES);
-    expectRefusal({"put", file}, nulAt(0, file));
+    expectRefusal({"put", file}, nulAt(0, quoted(file)));
 }
 
 TEST_F(EventInput, OfFilesThatAreTooLongTogetherIsNotRead) {
@@ -98,7 +102,7 @@ TEST_F(EventInput, OfFilesThatAreTooLongTogetherIsNotRead) {
                   TOO_LONG);
     const std::string half = sparse("c", MAX_EVENT_BYTES / 2);
     expectRefusal({"put", half, half, half}, TOO_LONG);
-    expectRefusal({"put", half, half}, nulAt(0, half));
+    expectRefusal({"put", half, half}, nulAt(0, quoted(half)));
 }
 
 TEST_F(EventInput, FromAFileOnStandardInputIsMeasuredFromWhereItStands) {
@@ -117,16 +121,16 @@ TEST_F(EventInput, WithoutAnEndIsRefusedWhenItIsTooLong) {
 }
 
 TEST_F(EventInput, WithoutAnEndIsRefusedAtItsFirstNul) {
-    expectRefusal({"put", "/dev/zero"}, nulAt(0, "/dev/zero"));
+    expectRefusal({"put", "/dev/zero"}, nulAt(0, "'/dev/zero'"));
 }
 
 TEST_F(EventInput, WithANulInAnyFileIsRefusedBeforeAnythingIsSent) {
     const std::string good = folder.write("good", "abc");
     const std::string bad = folder.write("bad", std::string("de\0f", 4));
     Program program = as("pump").input("input");
-    expectRefusal(program, {"put", bad, good, "-"}, nulAt(2, bad));
-    expectRefusal(program, {"put", good, bad, "-"}, nulAt(2, bad));
-    expectRefusal(program, {"put", good, "-", bad}, nulAt(2, bad));
+    expectRefusal(program, {"put", bad, good, "-"}, nulAt(2, quoted(bad)));
+    expectRefusal(program, {"put", good, bad, "-"}, nulAt(2, quoted(bad)));
+    expectRefusal(program, {"put", good, "-", bad}, nulAt(2, quoted(bad)));
     program.input(std::string("in\0put", 6));
     expectRefusal(program, {"put"}, nulAt(2, "standard input"));
     expectRefusal(program, {"put", good, "-"}, nulAt(2, "standard input"));
@@ -138,11 +142,11 @@ TEST_F(EventInput, TheOffsetOfANulCountsFromTheBeginningOfItsFile) {
     late[150000] = '\0';
     const std::string file = folder.write("late", late);
     expectRefusal({"put", folder.write("good", "abc"), file},
-                  nulAt(150000, file));
+                  nulAt(150000, quoted(file)));
     late.back() = '\0';
     late[150000] = 'x';
     folder.write("late", late);
-    expectRefusal({"put", file}, nulAt(199999, file));
+    expectRefusal({"put", file}, nulAt(199999, quoted(file)));
 }
 
 // The first would be found last if it were looked for in turn.
@@ -150,10 +154,10 @@ TEST_F(EventInput, AMissingFileIsFoundBeforeAnythingIsRead) {
     const std::string missing = folder.file("missing");
     Program program = as("pump").input(std::string(1, '\0'));
     expectRefusal(program, {"put", "-", missing},
-                  cannotRead(missing, "No such file or directory"));
+                  cannotRead(quoted(missing), "No such file or directory"));
     const std::string place = folder.file("");
     expectRefusal(program, {"put", "-", place},
-                  cannotRead(place, "Is a directory"));
+                  cannotRead(quoted(place), "Is a directory"));
 }
 
 TEST_F(EventInput, APipeWithANameIsReadOnce) {

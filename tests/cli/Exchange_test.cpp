@@ -193,7 +193,10 @@ TEST_F(Exchange, AnIdentityThatIsEmptyOnPurposeIsRegistered) {
     EXPECT_EQ(ovmem.run({"register", "--server", "", "--client", ""}),
               (Outcome{0, "",
                        "ovmem: Registered '' at ''; 0 other clients share the "
-                       "events.\n"}));
+                       "events.\n"
+                       "ovmem: The server identity is empty, which the library "
+                       "takes for none: no other command can use this "
+                       "registration.\n"}));
 }
 
 TEST_F(Exchange, EventsThatArePutBackReachEveryOtherClientOnceMore) {

@@ -119,14 +119,17 @@ TEST_F(Failures, OfAPutSayThatTheEventsMayHaveArrived) {
 }
 
 TEST_F(Failures, WithAnEmptyServerIdentityDoNotAskForTheOption) {
-    script(exchange("<r/>"));
-    EXPECT_EQ(ovmem.run({"put", "--server=", "--client=x"}),
-              (Outcome{3, "",
-                       "ovmem: OvMEMProtocolException (-2): Client not "
-                       "Registered with Model Event Manager\n"
-                       "ovmem: The server identity is empty, which the library "
-                       "takes for none. Name one with --server or "
-                       "OVMEM_SERVER.\n"}));
+    const std::string failed =
+        " (-2): Client not Registered with Model Event Manager\n"
+        "ovmem: The server identity is empty, which the library takes for "
+        "none. Name one with --server or OVMEM_SERVER.\n";
+    for (const std::string command : {"put", "get", "clients"}) {
+        script(exchange("<r/>"));
+        const std::string thrown = command == "clients" ? "*" : "";
+        EXPECT_EQ(ovmem.run({command, "--server=", "--client=x"}),
+                  (Outcome{3, "",
+                           "ovmem: OvMEMProtocolException" + thrown + failed}));
+    }
 }
 
 TEST_F(Failures, AfterRegisteringACommandThatLooksSaysThatItRegistered) {

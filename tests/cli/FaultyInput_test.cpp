@@ -37,6 +37,29 @@ TEST_F(FaultyInput, AFileInShortReadsIsPutWhole) {
         put());
 }
 
+TEST_F(FaultyInput, InputThatIsNotThereYetIsAwaited) {
+    EXPECT_EQ(putter("read input 1 fail EAGAIN;read input 3 fail EAGAIN;"
+                     "read input 1+ short 7777")
+                  .run({"put"}),
+              put());
+}
+
+TEST_F(FaultyInput, ThatDoesNotFitIntoTheMemoryPutsNothing) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "The sanitizer brings operator new.";
+#endif
+    script("");
+    const Outcome outcome = withFaults(as("pump").input(manyEvents), "")
+                                .set("OVMEM_TEST_LARGEST_EARLY_NEW", "200000")
+                                .run({"put"});
+    EXPECT_EQ(outcome,
+              (Outcome{9, "",
+                       "ovmem: input/output: There is not enough memory to "
+                       "read the events.\n"
+                       "ovmem: Nothing was sent.\n"}));
+    EXPECT_EQ(trace(), "");
+}
+
 TEST_F(FaultyInput, AReadThatFailsHalfWayPutsNothing) {
     script("");
     const Outcome outcome =
@@ -54,8 +77,8 @@ TEST_F(FaultyInput, AFileThatFailsHalfWayPutsNothing) {
     const std::string file = folder.write("file", manyEvents);
     EXPECT_EQ(withFaults(as("pump"), "read file 2 fail EIO").run({"put", file}),
               (Outcome{9, "",
-                       "ovmem: input/output: Cannot read " + file +
-                           ": Input/output error.\n"
+                       "ovmem: input/output: Cannot read '" + file +
+                           "': Input/output error.\n"
                            "ovmem: Nothing was sent.\n"}));
     EXPECT_EQ(trace(), "");
 }

@@ -50,6 +50,14 @@ TEST_F(Help, EachCommandOfRescueHasAHelpOfItsOwn) {
     }
 }
 
+TEST_F(Help, WinsOverAnUnknownOptionAndOverJson) {
+    const Outcome help = {0, expected("help-get"), ""};
+    EXPECT_EQ(ovmem.run({"get", "--bogus", "-h"}), help);
+    EXPECT_EQ(ovmem.run({"get", "-x", "--json", "--help"}), help);
+    EXPECT_EQ(ovmem.run({"--version", "--json", "--bogus"}),
+              (Outcome{0, "ovmem " OVMEM_VERSION "\n", ""}));
+}
+
 TEST_F(Help, TheEnvironmentDoesNotChangeIt) {
     ovmem.set("OVMEM_SERVER", "plant").set("LC_ALL", "C");
     EXPECT_EQ(ovmem.run({"--help"}), (Outcome{0, expected("help"), ""}));

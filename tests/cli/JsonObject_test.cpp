@@ -48,6 +48,13 @@ TEST(JsonObject, OtherCharactersThatSteerATerminalAreEscapedToo) {
               "\\u202e\\u2069z\"}\n");
 }
 
+TEST(JsonObject, AnInvisibleCharacterBeyondTheFirstPlaneIsEscapedAsTwo) {
+    JsonObject object;
+    object.add("t", "a\U000E0041\U0001D173\u200B");
+    EXPECT_EQ(object.line(),
+              "{\"t\":\"a\\udb40\\udc41\\ud834\\udd73\\u200b\"}\n");
+}
+
 TEST(JsonObject, Utf8StaysAsItIs) {
     JsonObject object;
     object.add("t", "Kühlwasser 20 °C");

@@ -108,7 +108,7 @@ TEST_F(Names, WithALineEndForgeNoMessage) {
 TEST_F(Names, OfFilesAreEscapedInTheWords) {
     EXPECT_EQ(as("pump").run({"put", "\x1B[31m\n\xFF"}),
               (Outcome{9, "",
-                       "ovmem: input/output: Cannot read \\x1b[31m\n"
-                       "       \\xff: No such file or directory.\n"
+                       "ovmem: input/output: Cannot read '\\x1b[31m\n"
+                       "       \\xff': No such file or directory.\n"
                        "ovmem: Nothing was sent.\n"}));
 }

@@ -56,7 +56,7 @@ private:
 // which its children would inherit.
 class UsualSignals {
 public:
-    UsualSignals() {
+    explicit UsualSignals(bool ownSession) {
         check(posix_spawnattr_init(&attributes), "signals");
         sigset_t usual;
         sigset_t blocked;
@@ -68,7 +68,9 @@ public:
         posix_spawnattr_setsigdefault(&attributes, &usual);
         posix_spawnattr_setsigmask(&attributes, &blocked);
         posix_spawnattr_setflags(
-            &attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+            &attributes,
+            static_cast<short>(POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
+                               (ownSession ? POSIX_SPAWN_SETSID : 0)));
     }
     ~UsualSignals() { posix_spawnattr_destroy(&attributes); }
     UsualSignals(const UsualSignals&) = delete;
@@ -168,6 +170,13 @@ Program& Program::outputTo(const std::string& file) {
     return *this;
 }
 
+Program& Program::atTerminal(const std::string& file) {
+    // The first process of a session becomes the one in the foreground of the
+    // terminal that it opens first, for reading as well.
+    ownSession = true;
+    return outputTo(file);
+}
+
 Program& Program::closeOutput() {
     outputState = Stream::Closed;
     return *this;
@@ -217,7 +226,7 @@ RunningProgram Program::start(const Arguments& arguments) const {
     int reader = -1;
     if (outputState == Stream::Normal) {
         actions.open(STDOUT_FILENO, outputFile.empty() ? output : outputFile,
-                     O_WRONLY | O_CREAT | O_TRUNC);
+                     (ownSession ? O_RDWR : O_WRONLY) | O_CREAT | O_TRUNC);
     } else if (outputState == Stream::Closed) {
         actions.close(STDOUT_FILENO);
     } else {
@@ -249,7 +258,7 @@ RunningProgram Program::start(const Arguments& arguments) const {
         variables.emplace_back(name).append("=").append(value);
     }
     pid_t process = -1;
-    const UsualSignals signals;
+    const UsualSignals signals(ownSession);
     check(
         posix_spawn(&process, run.c_str(), actions.get(), signals.get(),
                     pointers(argumentTexts).data(), pointers(variables).data()),

@@ -48,6 +48,9 @@ public:
     // outcome's output is then empty.
     Program& outputTo(const std::string& file);
     Program& closeOutput();
+
+    // Standard output: this terminal, whose keys signal the program.
+    Program& atTerminal(const std::string& file);
     Program& breakOutput();
 
     // Standard output: a pipe with a reader, the RunningProgram.
@@ -77,6 +80,7 @@ private:
     Stream inputState = Stream::Normal;
     Stream outputState = Stream::Normal;
     bool errorsFollowOutput = false;
+    bool ownSession = false;
 };
 
 }  // namespace OvMemTest

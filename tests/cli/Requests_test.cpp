@@ -1,6 +1,7 @@
 #include "tests/cli/ScriptedCliTest.h"
 
 using OvMemTest::exchange;
+using OvMemTest::Outcome;
 using OvMemTest::Program;
 using OvMemTest::readFile;
 
@@ -29,6 +30,17 @@ TEST_F(Requests, StatusSendsNeitherIdentityNorLocale) {
 TEST_F(Requests, RegisterSendsTheIdentityAndTheLocale) {
     script(exchange("<r/>"));
     expectTrace(as("Kühlung"), {"register", "--locale", "en_GB"}, "register");
+}
+
+TEST_F(Requests, RegisterWarnsOfAnEmptyServerIdentity) {
+    script(exchange("<r/>"));
+    EXPECT_EQ(ovmem.run({"register", "--server=", "--client=x"}),
+              (Outcome{0, "",
+                       "ovmem: Registered 'x' at ''; 0 other clients share the "
+                       "events.\n"
+                       "ovmem: The server identity is empty, which the library "
+                       "takes for none: no other command can use this "
+                       "registration.\n"}));
 }
 
 TEST_F(Requests, ClientsRegistersAndAsks) {

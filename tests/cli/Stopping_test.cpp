@@ -56,10 +56,18 @@ const std::string NOT_ASKED =
 }  // namespace
 
 TEST_F(Stopping, ASlowReaderGetsEverythingAfterEachOfTheSignals) {
-    const std::pair<int, std::string> signals[] = {{SIGTERM, "SIGTERM"},
-                                                   {SIGINT, "SIGINT"},
-                                                   {SIGHUP, "SIGHUP"},
-                                                   {SIGQUIT, "SIGQUIT"}};
+    std::vector<std::pair<int, std::string>> signals = {
+        {SIGTERM, "SIGTERM"},     {SIGINT, "SIGINT"},
+        {SIGHUP, "SIGHUP"},       {SIGQUIT, "SIGQUIT"},
+        {SIGALRM, "SIGALRM"},     {SIGUSR1, "SIGUSR1"},
+        {SIGUSR2, "SIGUSR2"},     {SIGIO, "SIGPOLL"},
+        {SIGPROF, "SIGPROF"},     {SIGPWR, "SIGPWR"},
+        {SIGXCPU, "SIGXCPU"},     {SIGSTKFLT, "SIGSTKFLT"},
+        {SIGVTALRM, "SIGVTALRM"}, {SIGRTMIN, "SIGRTMIN"}};
+    for (int number = SIGRTMIN + 1; number <= SIGRTMAX; ++number) {
+        signals.emplace_back(number,
+                             "SIGRTMIN+" + std::to_string(number - SIGRTMIN));
+    }
     for (const auto& [number, name] : signals) {
         auto running = startBlocked(getterOf(manyEvents), "100");
         running.waitUntil([&] { return running.outputIsFull(); });

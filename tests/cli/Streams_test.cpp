@@ -31,16 +31,24 @@ const std::string SAVED =
 
 TEST_F(Streams, AMissingFileIsReportedBeforeAnythingIsSent) {
     const std::string missing = (folder / "missing").string();
-    EXPECT_EQ(as("pump").run({"put", folder.write("a", "a"), missing}),
-              failure("Cannot read " + missing + ": No such file or directory.",
-                      "Nothing was sent."));
+    EXPECT_EQ(
+        as("pump").run({"put", folder.write("a", "a"), missing}),
+        failure("Cannot read '" + missing + "': No such file or directory.",
+                "Nothing was sent."));
     EXPECT_EQ(trace(), "");
 }
 
 TEST_F(Streams, AFolderInPlaceOfAFileIsReportedBeforeAnythingIsSent) {
     const std::string place = (folder / "").string();
     EXPECT_EQ(as("pump").run({"put", place}),
-              failure("Cannot read " + place + ": Is a directory.",
+              failure("Cannot read '" + place + "': Is a directory.",
+                      "Nothing was sent."));
+    EXPECT_EQ(trace(), "");
+}
+
+TEST_F(Streams, AFileWithoutANameIsQuoted) {
+    EXPECT_EQ(as("pump").run({"put", ""}),
+              failure("Cannot read '': No such file or directory.",
                       "Nothing was sent."));
     EXPECT_EQ(trace(), "");
 }

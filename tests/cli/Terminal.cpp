@@ -1,14 +1,27 @@
 #include "tests/cli/Terminal.h"
 
 #include <cerrno>
+#include <chrono>
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <termios.h>
 #include <unistd.h>
 
 namespace OvMemTest {
+
+namespace {
+
+const int TIME_LIMIT = 100000;  // milliseconds
+
+bool isReadable(int descriptor, int patience) {
+    pollfd readable = {descriptor, POLLIN, 0};
+    return poll(&readable, 1, patience) == 1;
+}
+
+}  // namespace
 
 Terminal::Terminal() : master(-1), slave(-1) {
     termios raw = {};
@@ -40,6 +53,53 @@ std::string Terminal::take() {
     while ((count = read(master, block, sizeof block)) > 0 ||
            (count < 0 && errno == EINTR)) {
         if (count > 0) {
+            bytes.append(block, static_cast<std::size_t>(count));
+        }
+    }
+    return bytes;
+}
+
+void Terminal::obeyKeys() const {
+    termios state = {};
+    tcgetattr(slave, &state);
+    state.c_lflag |= ISIG;
+    state.c_cc[VINTR] = '\x03';
+    state.c_cc[VQUIT] = '\x1C';
+    state.c_cc[VSUSP] = '\x1A';
+    tcsetattr(slave, TCSANOW, &state);
+}
+
+// The letter that follows the key can be read when the key has had its effect.
+void Terminal::press(char key) const {
+    const char keys[] = {key, 'x'};
+    char letter = 0;
+    if (write(master, keys, sizeof keys) != sizeof keys ||
+        !isReadable(slave, TIME_LIMIT) || read(slave, &letter, 1) != 1 ||
+        letter != 'x') {
+        throw std::runtime_error("The key has no effect.");
+    }
+}
+
+void Terminal::waitForOutput() const {
+    if (!isReadable(master, TIME_LIMIT)) {
+        throw std::runtime_error("Nothing was written.");
+    }
+}
+
+std::string Terminal::takeUntilEndOf(const RunningProgram& program) const {
+    using Clock = std::chrono::steady_clock;
+    const auto limit = Clock::now() + std::chrono::milliseconds(TIME_LIMIT);
+    const int betweenLooks = 2;
+    std::string bytes;
+    bool ended = false;
+    while (!ended && Clock::now() < limit) {
+        ended = program.hasEnded();
+        while (isReadable(master, betweenLooks)) {
+            char block[4096];
+            const ssize_t count = read(master, block, sizeof block);
+            if (count <= 0) {
+                break;
+            }
             bytes.append(block, static_cast<std::size_t>(count));
         }
     }

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "tests/cli/RunningProgram.h"
+
 namespace OvMemTest {
 
 // A terminal for a program under test: a pseudo terminal that passes every
@@ -24,6 +26,19 @@ public:
     // Everything that was written; at most 4095 bytes have room. To be called
     // once, when no program uses the terminal any more.
     std::string take();
+
+    // From now on Ctrl-C, Ctrl-\\ and Ctrl-Z send their signals, and drop what
+    // nobody has read yet.
+    void obeyKeys() const;
+
+    // Presses a key, and returns when the terminal has done what it says.
+    void press(char key) const;
+
+    // Waits until there is something to read.
+    void waitForOutput() const;
+
+    // Everything that is read until the program has ended.
+    std::string takeUntilEndOf(const RunningProgram& program) const;
 
 private:
     int master;

@@ -8,8 +8,11 @@ using namespace std::string_view_literals;
 namespace {
 
 const char32_t STEERING[][2] = {
-    {0x00, 0x1F},     {0x7F, 0x9F},     {0x61C, 0x61C},  {0x200E, 0x200F},
-    {0x2028, 0x2029}, {0x202A, 0x202E}, {0x2066, 0x2069}};
+    {0x00, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},      {0x34F, 0x34F},
+    {0x61C, 0x61C},     {0x115F, 0x1160},   {0x17B4, 0x17B5},  {0x180B, 0x180F},
+    {0x200B, 0x200F},   {0x2028, 0x202E},   {0x2060, 0x206F},  {0x3164, 0x3164},
+    {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},  {0xFFF0, 0xFFFB},
+    {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
 
 bool isListed(char32_t code) {
     for (const auto& range : STEERING) {
@@ -22,7 +25,7 @@ bool isListed(char32_t code) {
 
 }  // namespace
 
-TEST(TerminalText, ControlsOfEveryKindSteerATerminalAndNothingElse) {
+TEST(TerminalText, ControlsAndInvisibleCharactersSteerATerminalAndNothingElse) {
     for (char32_t code = 0; code <= 0x10FFFF; ++code) {
         EXPECT_EQ(steersTerminal(code), isListed(code)) << std::hex << +code;
     }
@@ -32,8 +35,15 @@ TEST(TerminalText, OrdinaryTextStays) {
     EXPECT_EQ(escaped(""), "");
     EXPECT_EQ(escaped("Ventil 'Süd' \"7\" 冷却 \U0001F40B ~"),
               "Ventil 'Süd' \"7\" 冷却 \U0001F40B ~");
-    EXPECT_EQ(escaped("\u00A0\u061B\u200D\u2027\u202F\u2065\u206A"),
-              "\u00A0\u061B\u200D\u2027\u202F\u2065\u206A");
+    EXPECT_EQ(escaped("\u00A0\u061B\u200A\u2010\u2027\u202F\u205F\u2070"),
+              "\u00A0\u061B\u200A\u2010\u2027\u202F\u205F\u2070");
+}
+
+TEST(TerminalText, InvisibleCharactersAreEscapedSoThatNoTwoNamesLookAlike) {
+    EXPECT_EQ(escaped("a\u00ADb\u200Bc\u200Dd\u2060e\uFEFF"),
+              "a\\xc2\\xadb\\xe2\\x80\\x8bc\\xe2\\x80\\x8dd\\xe2\\x81\\xa0e"
+              "\\xef\\xbb\\xbf");
+    EXPECT_EQ(escaped("a\U000E0041"), "a\\xf3\\xa0\\x81\\x81");
 }
 
 TEST(TerminalText, ControlsAreEscapedByteForByte) {

@@ -47,12 +47,36 @@ TEST_F(Usage, AnUnknownCommandIsRefused) {
 
 TEST_F(Usage, TwoCommandsAreRefused) {
     expectRefusal({"status", "get"},
-                  "The following argument was not expected: get.", SEE_HELP);
+                  "The following argument was not expected: 'get'.", SEE_HELP);
 }
 
 TEST_F(Usage, AnUnknownOptionIsRefused) {
     expectRefusal({"status", "--loud"},
-                  "The following argument was not expected: --loud.", SEE_HELP);
+                  "The following argument was not expected: '--loud'.",
+                  SEE_HELP);
+    expectRefusal({"--loud"},
+                  "The following argument was not expected: '--loud'.",
+                  SEE_HELP);
+    expectRefusal({"rescue", "-x", "-y"},
+                  "The following argument was not expected: '-x'.", SEE_HELP);
+}
+
+TEST_F(Usage, AnUnknownLetterIsNamedAndNeverTakenForAnOptionThatItBeginsLike) {
+    for (const std::string word : {"-x", "-hx", "-h=1", "-xh"}) {
+        expectRefusal(
+            {word}, "The following argument was not expected: '" + word + "'.",
+            SEE_HELP);
+        expectRefusal(
+            {"get", word},
+            "The following argument was not expected: '" + word + "'.",
+            SEE_HELP);
+    }
+}
+
+TEST_F(Usage, AnEmptyWordIsQuoted) {
+    expectRefusal({""}, "'' is neither a command nor an option.", SEE_HELP);
+    expectRefusal({"status", ""},
+                  "The following argument was not expected: ''.", SEE_HELP);
 }
 
 TEST_F(Usage, RegisterNeedsAServer) {

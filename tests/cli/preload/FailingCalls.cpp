@@ -16,7 +16,7 @@
 // Calls of "new" count from the moment at which a thread blocks signals.
 //
 // OVMEM_TEST_LARGEST_NEW is the size from which operator new fails once a reply
-// has been received.
+// has been received, OVMEM_TEST_LARGEST_EARLY_NEW the one before.
 
 #include <atomic>
 #include <cerrno>
@@ -311,8 +311,8 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size) {
     if (blocked && faultOf("new", {"", -1}).fails) {
         throw std::bad_alloc();
     }
-    const char* largest =
-        received ? std::getenv("OVMEM_TEST_LARGEST_NEW") : nullptr;
+    const char* largest = std::getenv(
+        received ? "OVMEM_TEST_LARGEST_NEW" : "OVMEM_TEST_LARGEST_EARLY_NEW");
     if (largest == nullptr || size < std::strtoul(largest, nullptr, 10)) {
         if (void* block = std::malloc(size == 0 ? 1 : size)) {
             return block;
