@@ -9,6 +9,8 @@ namespace {
 const int STATUS_FAILED = -1;
 const int NOT_REGISTERED = -2;
 
+const char REMOVE_CAUSE[] = "Remove the cause, then try again.";
+
 const char NAME_IDENTITY[] =
     "Name the identity with --server and --client, or with OVMEM_SERVER and "
     "OVMEM_CLIENT.";
@@ -38,12 +40,22 @@ bool isRefusal(const ErrorReport& report) {
            report.text != "Reply chunk exceeds the receive buffer.";
 }
 
+// The library's advice, but for a connection that fails for a reason: the
+// library asks whether the service can be reached, and the transport's text may
+// say that it is something else.
+std::string generalAdvice(const ErrorReport& report) {
+    return report.exitCode == ExitCode::ConnectionException &&
+                   !report.text.empty()
+               ? REMOVE_CAUSE
+               : report.advice;
+}
+
 std::string adviceFor(const ErrorReport& report, const Progress& progress) {
     if (report.type == STATUS_FAILED) {
         return report.cause.empty()
                    ? "Check that the service can be reached; the transport "
                      "names no cause."
-                   : "Remove the cause, then try again.";
+                   : REMOVE_CAUSE;
     }
     if (report.type == NOT_REGISTERED) {
         return progress.namesServer
@@ -56,15 +68,16 @@ std::string adviceFor(const ErrorReport& report, const Progress& progress) {
                "takes no answer as large as this.";
     }
     if (!progress.namesServer) {
-        return report.exitCode == ExitCode::PlainException ? NAME_IDENTITY
-                                                           : report.advice;
+        return report.exitCode == ExitCode::PlainException
+                   ? NAME_IDENTITY
+                   : generalAdvice(report);
     }
     if (isWrongRegistration(report, progress)) {
         return "Check that it is a Model Event Manager that answers. The "
                "client may be registered now; nothing else was asked for.";
     }
     if (!progress.registered) {
-        return report.advice;
+        return generalAdvice(report);
     }
     if (report.exitCode == ExitCode::PlainException) {
         return "Unless the text says otherwise, the service may still know "
@@ -77,10 +90,10 @@ std::string adviceFor(const ErrorReport& report, const Progress& progress) {
     const bool puts = progress.command == Command::Put ||
                       progress.command == Command::RescuePutBack;
     if (puts && leavesDoubt(report)) {
-        return "Unless the text says otherwise, the events may have arrived; "
-               "put again, they may arrive twice.";
+        return "Unless the text says otherwise, the events may have arrived. "
+               "If you put them again, they may arrive twice.";
     }
-    return report.advice;
+    return generalAdvice(report);
 }
 
 }  // namespace

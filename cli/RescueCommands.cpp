@@ -1,11 +1,17 @@
 #include "cli/RescueCommands.h"
 
+#include <cstring>
 #include <ctime>
 #include <vector>
 
+#include <unistd.h>
+
+#include "cli/Count.h"
+#include "cli/EventInput.h"
 #include "cli/Failure.h"
 #include "cli/JsonObject.h"
 #include "cli/StandardStreams.h"
+#include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
@@ -36,10 +42,12 @@ std::string toJson(const std::vector<SavedFile>& files) {
 }
 
 std::string toLines(const std::vector<SavedFile>& files) {
+    const bool terminal = isatty(STDOUT_FILENO) != 0;
     std::string lines;
     for (const SavedFile& file : files) {
         lines += file.name + '\t' + std::to_string(file.bytes) + '\t' +
-                 inUtc(file.when) + '\t' + file.path + '\n';
+                 inUtc(file.when) + '\t' +
+                 (terminal ? escaped(file.path) : file.path) + '\n';
     }
     return lines;
 }
@@ -54,6 +62,22 @@ void refuseNul(const std::string& events, const std::string& name) {
                           "drop what follows it.",
                       "Nothing was sent. 'ovmem rescue show' writes the events "
                       "as they are."};
+    }
+}
+
+void requireRoom(const std::list<SavedEvents>& files) {
+    std::size_t room = MAX_EVENT_BYTES;
+    for (const SavedEvents& file : files) {
+        if (file.bytes() > room) {
+            throw Failure{ExitCode::Usage,
+                          "The events are longer than " +
+                              std::to_string(MAX_EVENT_BYTES) +
+                              " bytes, the most that one put carries.",
+                          "Nothing was sent. Put back fewer files at once; one "
+                          "that is too large alone can be written with 'ovmem "
+                          "rescue show' and put in several parts."};
+        }
+        room -= file.bytes();
     }
 }
 
@@ -72,31 +96,49 @@ void showRescued(const Options& options, const Reporter& reporter) {
     for (const std::string& name : options.files) {
         events += SavedEvents(name).read();
     }
-    const auto size = static_cast<long long>(events.size());
     if (options.json) {
         JsonObject object;
         object.add("command", "rescue show");
-        object.add("bytes", size);
+        object.add("bytes", static_cast<long long>(events.size()));
         object.add("events", events);
         writeOutput(object.line());
     } else {
         writeOutput(events);
     }
-    reporter.tell("Wrote " + std::to_string(size) + " bytes; nothing was " +
-                  "removed.");
+    reporter.tell("Wrote " + count(events.size(), "byte") +
+                  "; nothing was removed.");
 }
 
 std::string claimRescued(const Options& options,
                          std::list<SavedEvents>& files) {
-    std::string events;
     for (const std::string& name : options.files) {
-        const SavedEvents& file = files.emplace_back(name);
-        file.claim();
+        files.emplace_back(name).claim();
+    }
+    requireRoom(files);
+    std::string events;
+    for (const SavedEvents& file : files) {
         const std::string own = file.read();
         refuseNul(own, file.name());
         events += own;
     }
     return events;
+}
+
+void removeRescued(const std::list<SavedEvents>& files) {
+    std::string stay;
+    int failures = 0;
+    for (const SavedEvents& file : files) {
+        if (const int error = file.remove()) {
+            stay += (failures++ == 0 ? "" : "; ") + file.path() + ": " +
+                    std::strerror(error);
+        }
+    }
+    if (failures > 0) {
+        throw Failure{ExitCode::InputOutput, "Cannot remove " + stay + ".",
+                      std::string("The events are put. Remove the ") +
+                          (failures == 1 ? "file" : "files") +
+                          ", or they may be put once more."};
+    }
 }
 
 }  // namespace ovmem::cli

@@ -26,8 +26,14 @@ void showRescued(const Options& options, const Reporter& reporter);
 // For 'rescue put-back': opens and claims the named files and adds them to
 // `files`. Returns their events as one text.
 //
-// THROWS: Failure, also for a NUL, which the transport cannot carry.
+// THROWS: Failure, also for a NUL, which the transport cannot carry, and,
+// before anything is read, for more than MAX_EVENT_BYTES.
 std::string claimRescued(const Options& options, std::list<SavedEvents>& files);
+
+// Removes the files once their events are put.
+//
+// THROWS: Failure with ExitCode::InputOutput that names every file that stays.
+void removeRescued(const std::list<SavedEvents>& files);
 
 }  // namespace ovmem::cli
 

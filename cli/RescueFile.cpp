@@ -70,7 +70,13 @@ bool moveTo(const fs::path& from, const fs::path& to) {
                   RENAME_NOREPLACE) == 0) {
         return true;
     }
-    return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
+    if (link(from.c_str(), to.c_str()) != 0) {
+        return false;
+    }
+    // It has its name. Another copy elsewhere would be worse than a hidden name
+    // that stays.
+    unlink(from.c_str());
+    return true;
 }
 
 void discard(const Rescue& rescue) {

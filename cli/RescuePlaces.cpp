@@ -40,7 +40,8 @@ std::vector<fs::path> listRescuePlaces() {
         addPlace(places, fs::path(home) / ".local/state/ovmem");
     }
     std::error_code failed;  // the path is then empty
-    addPlace(places, fs::temp_directory_path(failed));
+    const fs::path temporary = fs::temp_directory_path(failed);
+    addPlace(places, failed ? fs::path("/tmp") : temporary);
     addPlace(places, fs::current_path(failed));
     return places;
 }

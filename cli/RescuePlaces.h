@@ -14,7 +14,7 @@ namespace ovmem::cli {
 // need not exist.
 //
 //     $XDG_STATE_HOME/ovmem, or $HOME/.local/state/ovmem
-//     the folder for temporary files
+//     $TMPDIR or the like, or /tmp if that is no folder
 //     the current folder
 std::vector<std::filesystem::path> listRescuePlaces();
 

@@ -110,21 +110,26 @@ std::string SavedEvents::read() const {
 }
 
 void SavedEvents::claim() const {
+    const bool locked = flock(opened.get(), LOCK_EX | LOCK_NB) == 0;
+    if (!locked && errno != EWOULDBLOCK) {
+        throw failure("Cannot lock " + file.path, std::strerror(errno),
+                      "Nothing was sent. Write the events with 'ovmem rescue "
+                      "show', put them with 'ovmem put', then remove the "
+                      "file.");
+    }
+    // By the name and not by the number of links: the hidden name may be left
+    // as a second one.
     struct stat status = {};
-    if (flock(opened.get(), LOCK_EX | LOCK_NB) != 0 ||
-        fstat(opened.get(), &status) != 0 || status.st_nlink == 0) {
+    const bool gone = lstat(file.path.c_str(), &status) != 0 && errno == ENOENT;
+    if (!locked || gone) {
         throw failure("Cannot put back " + file.name,
                       "that is being done already, or has just been",
                       "Nothing was sent. See 'ovmem rescue list'.");
     }
 }
 
-void SavedEvents::remove() const {
-    if (unlink(file.path.c_str()) != 0) {
-        throw failure("Cannot remove " + file.path, std::strerror(errno),
-                      "The events are put. Remove the file, or they may be put "
-                      "once more.");
-    }
+int SavedEvents::remove() const {
+    return unlink(file.path.c_str()) == 0 ? 0 : errno;
 }
 
 }  // namespace ovmem::cli

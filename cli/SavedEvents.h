@@ -32,6 +32,8 @@ public:
     explicit SavedEvents(const std::string& nameOrPath);
 
     const std::string& name() const { return file.name; }
+    const std::string& path() const { return file.path; }
+    std::size_t bytes() const { return file.bytes; }
 
     // All of it.
     //
@@ -41,13 +43,11 @@ public:
     // Takes the file for putting it back, until the end of this object's life.
     //
     // THROWS: Failure with ExitCode::InputOutput if somebody else has taken it,
-    // or has put it back since it was opened.
+    // or has put it back since it was opened, or if it cannot be locked.
     void claim() const;
 
-    // Removes the file.
-    //
-    // THROWS: Failure with ExitCode::InputOutput.
-    void remove() const;
+    // Removes the file. Returns errno, 0 if it is removed.
+    int remove() const;
 
 private:
     const SavedFile file;

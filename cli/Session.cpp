@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include "cli/Count.h"
 #include "cli/Delivery.h"
 #include "cli/ErrorReport.h"
 #include "cli/EventInput.h"
@@ -21,10 +22,6 @@
 namespace ovmem::cli {
 
 namespace {
-
-std::string count(std::size_t number, const char* singular) {
-    return std::to_string(number) + ' ' + singular + (number == 1 ? "" : "s");
-}
 
 long long sizeOf(const std::string& bytes) {
     return static_cast<long long>(bytes.size());
@@ -196,9 +193,7 @@ ExitCode Session::putBack() {
     std::string correlation = "ovmem.rescue";
     connection.putEvents(events, shared, correlation);
     // Only now: whatever ends this run before leaves the files.
-    for (const SavedEvents& file : files) {
-        file.remove();
-    }
+    removeRescued(files);
     JsonObject object;
     object.add("command", "rescue put-back");
     object.add("bytes", sizeOf(events));

@@ -13,7 +13,8 @@ namespace ovmem::cli {
 namespace {
 
 // Interrupts a system call of the writing thread, and ends the watching one.
-// Without a handler it has no effect, so that nobody relies on it.
+// Its default is to be ignored, so that nobody relies on it. The writing thread
+// has it blocked but while it delivers: somebody else may send it as well.
 const int NUDGE = SIGURG;
 
 const SignalWatch::Duration LEAST_FOR_SAVING{5000};
@@ -39,6 +40,20 @@ sigset_t signalsToWatch() {
     return set;
 }
 
+Failure withoutThread(const std::system_error& error) {
+    return {ExitCode::InputOutput,
+            "Cannot start a thread that watches for signals: " +
+                error.code().message() + ".",
+            "Nothing was asked for. Allow ovmem one more thread."};
+}
+
+void changeNudge(int how) {
+    sigset_t nudge;
+    sigemptyset(&nudge);
+    sigaddset(&nudge, NUDGE);
+    pthread_sigmask(how, &nudge, nullptr);
+}
+
 // What is said when ovmem ends at once.
 Failure endedIn(SignalWatch::Phase phase, int signal) {
     const std::string text = "Stopped by " + nameOfSignal(signal);
@@ -56,10 +71,12 @@ Failure endedIn(SignalWatch::Phase phase, int signal) {
         case SignalWatch::Phase::Telling:
             break;
     }
-    return {code, text + " before the events were saved.",
-            "What standard output has not taken is lost, but for what is in "
-            "the files .events-not-delivered-* of the places that 'ovmem "
-            "--help' names; they may be incomplete."};
+    // The file may have its name already, and only the disk be slow.
+    return {code, text + " while the events were being saved.",
+            "What standard output has not taken may be lost. 'ovmem rescue "
+            "list' names the events if they are complete; if not, what there "
+            "is of them is in the files .events-not-delivered-* of the places "
+            "that 'ovmem --help' names."};
 }
 
 }  // namespace
@@ -70,25 +87,21 @@ SignalWatch::SignalWatch(Duration graceAfterSignal, const Reporter& voice)
       writer(pthread_self()),
       waitedFor(signalsToWatch()) {
     sigaddset(&waitedFor, NUDGE);
-    // The thread is started with all of them blocked, and this one is nudged.
-    pthread_sigmask(SIG_BLOCK, &waitedFor, nullptr);
-    try {
-        thread = std::thread(&SignalWatch::watch, this);
-    } catch (const std::system_error& error) {
-        pthread_sigmask(SIG_UNBLOCK, &waitedFor, nullptr);
-        throw Failure{ExitCode::InputOutput,
-                      std::string("Cannot start a thread that watches for "
-                                  "signals: ") +
-                          error.code().message() + ".",
-                      "Nothing was asked for. Allow ovmem one more thread."};
-    }
     struct sigaction nudged = {};
     nudged.sa_handler = ignoreNudge;  // without SA_RESTART
     sigaction(NUDGE, &nudged, nullptr);
-    sigset_t nudge;
-    sigemptyset(&nudge);
-    sigaddset(&nudge, NUDGE);
-    pthread_sigmask(SIG_UNBLOCK, &nudge, nullptr);
+    // The thread is started with all of them blocked.
+    sigset_t former;
+    pthread_sigmask(SIG_BLOCK, &waitedFor, &former);
+    try {
+        thread = std::thread(&SignalWatch::watch, this);
+    } catch (const std::system_error& error) {
+        pthread_sigmask(SIG_SETMASK, &former, nullptr);
+        throw withoutThread(error);
+    } catch (...) {  // no memory for it
+        pthread_sigmask(SIG_SETMASK, &former, nullptr);
+        throw;
+    }
 }
 
 SignalWatch::~SignalWatch() {
@@ -102,6 +115,7 @@ SignalWatch::~SignalWatch() {
 
 void SignalWatch::enter(Phase next) {
     const std::lock_guard<std::mutex> lock(mutex);
+    changeNudge(next == Phase::Delivering ? SIG_UNBLOCK : SIG_BLOCK);
     phase = next;
     if (phase == Phase::Saving && first != 0) {
         deadline = Clock::now() + std::max(grace, LEAST_FOR_SAVING);

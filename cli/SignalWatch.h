@@ -45,7 +45,8 @@ public:
 
     // Begins to watch, in the phase Registering. The reporter is borrowed.
     //
-    // THROWS: Failure with ExitCode::InputOutput without a thread.
+    // THROWS: Failure with ExitCode::InputOutput without a thread, or
+    // std::bad_alloc; the signals are then as they were.
     SignalWatch(Duration grace, const Reporter& reporter);
 
     // The signals have no effect from now on: the program is about to end.
@@ -54,6 +55,7 @@ public:
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
 
+    // To be called on the thread that constructed the watch.
     void enter(Phase next);
 
     // The first signal; 0 if there was none.

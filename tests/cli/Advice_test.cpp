@@ -37,8 +37,8 @@ std::string adviceOn(ErrorReport failure, const Progress& progress) {
 }
 
 const char PUT_MAY_HAVE_ARRIVED[] =
-    "Unless the text says otherwise, the events may have arrived; put again, "
-    "they may arrive twice.";
+    "Unless the text says otherwise, the events may have arrived. If you put "
+    "them again, they may arrive twice.";
 
 }  // namespace
 
@@ -133,6 +133,21 @@ TEST(Advice, OnAFailedStatusCheckFollowsWhetherTheCauseIsKnown) {
     EXPECT_EQ(adviceOn(report(ExitCode::ConnectionException, -1, "", "cause"),
                        progress),
               "Remove the cause, then try again.");
+}
+
+TEST(Advice, OnAConnectionThatFailsFollowsWhetherTheTransportNamesACause) {
+    const ErrorReport named =
+        report(ExitCode::ConnectionException, 0, "Make the folder writable.");
+    const ErrorReport unnamed = report(ExitCode::ConnectionException, 0);
+    for (const Progress& progress : {reached(Command::Clients, false, false),
+                                     reached(Command::Get, true, false),
+                                     reached(Command::Get, true, true)}) {
+        EXPECT_EQ(adviceOn(named, progress),
+                  "Remove the cause, then try again.");
+        EXPECT_EQ(adviceOn(unnamed, progress), OWN);
+    }
+    EXPECT_EQ(adviceOn(named, reached(Command::Put, true, true)),
+              PUT_MAY_HAVE_ARRIVED);
 }
 
 TEST(Advice, NobodyIsToldToGrantMemoryWhoCannot) {

@@ -24,7 +24,7 @@ protected:
 TEST_F(Failures, AConnectionExceptionEndsWith2) {
     expectFailure(failingExchange(-3001, "Out of reach."), "register", 2,
                   "OvMEMConnectionException (0): Out of reach.",
-                  "Check that the service can be reached, then try again.");
+                  "Remove the cause, then try again.");
 }
 
 TEST_F(Failures, AProtocolExceptionEndsWith3) {
@@ -111,7 +111,7 @@ TEST_F(Failures, OfAPutSayThatTheEventsMayHaveArrived) {
     expectFailure(exchange("<r/>") + failingExchange(-3001, "Gone."), "put", 2,
                   "OvMEMConnectionException (0): Gone.",
                   "Unless the text says otherwise, the events may have "
-                  "arrived; put again, they may arrive twice.");
+                  "arrived. If you put them again, they may arrive twice.");
     expectFailure(exchange("<r/>") + exchange("<r><other/></r>"), "put", 7,
                   "DomException: Unexpected node name: other",
                   "Check that it is a Model Event Manager that answers; the "
@@ -139,8 +139,7 @@ TEST_F(Failures, AfterRegisteringACommandThatLooksSaysThatItRegistered) {
                   (Outcome{2, "",
                            registered +
                                "ovmem: OvMEMConnectionException (0): Gone.\n"
-                               "ovmem: Check that the service can be reached, "
-                               "then try again.\n"}));
+                               "ovmem: Remove the cause, then try again.\n"}));
     }
 }
 
@@ -150,6 +149,5 @@ TEST_F(Failures, EventsThatCameBeforeTheFailureAreWritten) {
     EXPECT_EQ(as("pump").run({"get"}),
               (Outcome{2, "the events",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Check that the service can be reached, then "
-                       "try again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
 }

@@ -93,8 +93,7 @@ TEST_F(Names, InTheTransportsTextAreEscaped) {
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Not "
                        "'\\x1b]0;\\xff\\xe2\\x81\\xa6'.\\x0d\n"
-                       "ovmem: Check that the service can be reached, then "
-                       "try again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Names, WithALineEndForgeNoMessage) {
@@ -103,8 +102,7 @@ TEST_F(Names, WithALineEndForgeNoMessage) {
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): 'a\n"
                        "       ovmem: The service is alive.'\n"
-                       "ovmem: Check that the service can be reached, then "
-                       "try again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Names, OfFilesAreEscapedInTheWords) {

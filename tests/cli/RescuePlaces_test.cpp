@@ -1,6 +1,10 @@
 #include "cli/RescuePlaces.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace ovmem::cli;
 
@@ -20,6 +24,18 @@ TEST(RescuePlaces, OtherNamesAreNot) {
     EXPECT_FALSE(isRescueName("events-not-delivered-1/2"));
     EXPECT_FALSE(isRescueName("events"));
     EXPECT_FALSE(isRescueName("xevents-not-delivered-1"));
+}
+
+TEST(RescuePlaces, ATemporaryFolderThatIsNoneIsReplacedByTheUsualOne) {
+    const char* former = std::getenv("TMPDIR");
+    const std::string value = former == nullptr ? "" : former;
+    for (const char* none : {"/dev/null", "/nowhere/at/all"}) {
+        setenv("TMPDIR", none, 1);
+        const std::vector<std::filesystem::path> places = listRescuePlaces();
+        EXPECT_EQ(std::count(places.begin(), places.end(), none), 0);
+        EXPECT_EQ(std::count(places.begin(), places.end(), "/tmp"), 1);
+    }
+    former == nullptr ? unsetenv("TMPDIR") : setenv("TMPDIR", value.c_str(), 1);
 }
 
 TEST(RescuePlaces, AFileThatIsBeingWrittenBearsNoSuchName) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "tests/cli/FaultyCliTest.h"
+#include "tests/cli/Terminal.h"
 
 using OvMemTest::exchange;
 using OvMemTest::failingExchange;
@@ -111,6 +112,27 @@ TEST_F(Rescue, OnlyRegularFilesOfTheUserWithANameOfOvmemsOwnAreListed) {
               unknown(THIRD + "-2of2"));
 }
 
+TEST_F(Rescue, ListEscapesThePathsOnATerminal) {
+    const std::string odd = folder.file("x\x1B[2J");
+    fs::create_directories(odd + "/ovmem");
+    write(odd + "/ovmem/" + FIRST, "");
+    ovmem.set("XDG_STATE_HOME", odd);
+    EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}).output,
+              line(FIRST, "0", odd + "/ovmem"));
+    OvMemTest::Terminal terminal;
+    EXPECT_EQ(
+        ovmem.outputTo(terminal.file()).run({"rescue", "list", "--quiet"}),
+        (Outcome{0, "", ""}));
+    EXPECT_EQ(terminal.take(),
+              line(FIRST, "0", folder.file("x\\x1b[2J") + "/ovmem"));
+}
+
+TEST_F(Rescue, ShowOfOneByteSaysByte) {
+    write(place + "/" + THIRD, "3");
+    EXPECT_EQ(ovmem.run({"rescue", "show", THIRD}),
+              (Outcome{0, "3", "ovmem: Wrote 1 byte; nothing was removed.\n"}));
+}
+
 TEST_F(Rescue, ShowWritesTheBytesInTheOrderOfTheNamesAndRemovesNothing) {
     const std::string bytes("\0\xFF\n", 3);
     write(place + "/" + THIRD, bytes);
@@ -209,8 +231,7 @@ TEST_F(Rescue, AFileStaysWhenTheIdentityCannotBeRegistered) {
     EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Check that the service can be reached, then "
-                       "try again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
     EXPECT_EQ(savedFiles().size(), 2u);
 }
 
@@ -220,7 +241,8 @@ TEST_F(Rescue, AFileThatTheServiceDidNotAcceptStays) {
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
                        "ovmem: Unless the text says otherwise, the events may "
-                       "have arrived; put again, they may arrive twice.\n"}));
+                       "have arrived. If you put them again, they may arrive "
+                       "twice.\n"}));
     EXPECT_EQ(savedFiles().size(), 2u);
 }
 
@@ -252,6 +274,71 @@ TEST_F(Rescue, OnlyOneAtATimePutsAFileBack) {
     goOn();
     EXPECT_EQ(running.waitForEnd().exitCode, 0);
     EXPECT_EQ(savedFiles(), (std::vector{place + "/" + SECOND}));
+}
+
+TEST_F(Rescue, AFileThatWasPutBackJustNowIsNotPutAgain) {
+    // A second name does not make it a file that is still to be put back.
+    fs::create_hard_link(place + "/" + FIRST, place + "/." + FIRST);
+    auto running = withFaults(as("pump"), "flock - 1 hang -")
+                       .start({"rescue", "put-back", FIRST});
+    waitForHang(running);
+    fs::remove(place + "/" + FIRST);
+    goOn();
+    EXPECT_EQ(running.waitForEnd(),
+              (Outcome{9, "",
+                       "ovmem: input/output: Cannot put back " + FIRST +
+                           ": that is being done already, or has just been.\n"
+                           "ovmem: Nothing was sent. See 'ovmem rescue "
+                           "list'.\n"}));
+    EXPECT_EQ(trace(), "");
+}
+
+TEST_F(Rescue, AFileThatCannotBeLockedIsNotCalledTaken) {
+    EXPECT_EQ(
+        withFaults(as("pump"), "flock - 1 fail ENOLCK")
+            .run({"rescue", "put-back", FIRST}),
+        (Outcome{9, "",
+                 "ovmem: input/output: Cannot lock " + place + "/" + FIRST +
+                     ": No locks available.\n"
+                     "ovmem: Nothing was sent. Write the events with "
+                     "'ovmem rescue show', put them with 'ovmem put', "
+                     "then remove the file.\n"}));
+    EXPECT_EQ(trace(), "");
+    EXPECT_EQ(savedFiles().size(), 2u);
+}
+
+TEST_F(Rescue, EveryFileThatCannotBeRemovedIsNamed) {
+    write(place + "/" + THIRD, "third;");
+    script(exchange("<r/>") + exchange("<r/>"));
+    EXPECT_EQ(
+        withFaults(as("pump"),
+                   "unlink not-delivered 1 fail EIO;"
+                   "unlink not-delivered 3 fail ENOSPC")
+            .run({"rescue", "put-back", FIRST, SECOND, THIRD}),
+        (Outcome{9, "",
+                 "ovmem: input/output: Cannot remove " + place + "/" + FIRST +
+                     ": Input/output error; " + place + "/" + THIRD +
+                     ": No space left on device.\n"
+                     "ovmem: The events are put. Remove the files, or "
+                     "they may be put once more.\n"}));
+    EXPECT_EQ(savedFiles(),
+              (std::vector{place + "/" + FIRST, place + "/" + THIRD}));
+}
+
+TEST_F(Rescue, FilesThatAreTooLargeTogetherAreNotPutBack) {
+    // They take no room on the disk.
+    fs::resize_file(place + "/" + FIRST, 300 * 1024 * 1024);
+    fs::resize_file(place + "/" + SECOND, 300 * 1024 * 1024);
+    EXPECT_EQ(withFaults(as("pump"), "read not-delivered 1+ fail EIO")
+                  .run({"rescue", "put-back", FIRST, SECOND}),
+              (Outcome{1, "",
+                       "ovmem: usage: The events are longer than 536870912 "
+                       "bytes, the most that one put carries.\n"
+                       "ovmem: Nothing was sent. Put back fewer files at once; "
+                       "one that is too large alone can be written with 'ovmem "
+                       "rescue show' and put in several parts.\n"}));
+    EXPECT_EQ(trace(), "");
+    EXPECT_EQ(savedFiles().size(), 2u);
 }
 
 TEST_F(Rescue, AFileThatCannotBeRemovedIsReported) {

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 
 #include "tests/cli/FaultyCliTest.h"
 
@@ -40,6 +41,13 @@ const std::string LOST =
     "ovmem: stopped: Stopped by SIGTERM before the service had answered.\n"
     "ovmem: If the service has handed out events by now, they are lost. If "
     "not, they still wait for the client.\n";
+
+const std::string ENDED_WHILE_SAVING =
+    "ovmem: stopped: Stopped by SIGTERM while the events were being saved.\n"
+    "ovmem: What standard output has not taken may be lost. 'ovmem rescue "
+    "list' names the events if they are complete; if not, what there is of "
+    "them is in the files .events-not-delivered-* of the places that 'ovmem "
+    "--help' names.\n";
 
 const std::string NOT_ASKED =
     "ovmem: stopped: Stopped by SIGTERM before the events were asked for.\n"
@@ -200,8 +208,7 @@ TEST_F(Stopping, AFailureOfTheServiceIsReportedToo) {
     EXPECT_EQ(running.waitForEnd(),
               (Outcome{143, "the events",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Check that the service can be reached, then try "
-                       "again.\n"}));
+                       "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Stopping, AReaderThatGoesAfterTheSignalLeavesTheEventsSaved) {
@@ -241,18 +248,42 @@ TEST_F(Stopping, ASecondSignalWhileSavingEndsIt) {
     waitForHang(running);
     running.signal(SIGTERM);
     running.signal(SIGINT);
-    EXPECT_EQ(running.waitForEnd(),
-              (Outcome{143, "",
-                       "ovmem: stopped: Stopped by SIGTERM before the events "
-                       "were saved.\n"
-                       "ovmem: What standard output has not taken is lost, but "
-                       "for what is in the files .events-not-delivered-* of "
-                       "the places that 'ovmem --help' names; they may be "
-                       "incomplete.\n"}));
+    EXPECT_EQ(running.waitForEnd(), (Outcome{143, "", ENDED_WHILE_SAVING}));
     EXPECT_EQ(savedFiles().size(), 1u);
     script("");
     EXPECT_EQ(ovmem.run({"rescue", "list"}),
               (Outcome{0, "", "ovmem: No events are saved.\n"}));
+}
+
+// The folder's own fsync is held back: the file has its name already.
+TEST_F(Stopping, ASecondSignalAfterTheFileHasItsNameDoesNotCallItLost) {
+    auto running = getterOf("the events", "fsync st3/ovmem 2 hang -")
+                       .set("XDG_STATE_HOME", folder.file("st3"))
+                       .outputTo("/dev/full")
+                       .start({"get", "--grace=99"});
+    waitForHang(running);
+    running.signal(SIGTERM);
+    running.signal(SIGINT);
+    EXPECT_EQ(running.waitForEnd(), (Outcome{143, "", ENDED_WHILE_SAVING}));
+    const auto files = filesIn(folder.file("st3/ovmem"));
+    ASSERT_EQ(files.size(), 1u);
+    script("");
+    ovmem.set("XDG_STATE_HOME", folder.file("st3"));
+    const std::string name = std::filesystem::path(files[0]).filename();
+    EXPECT_EQ(ovmem.run({"rescue", "show", name, "--quiet"}),
+              (Outcome{0, "the events", ""}));
+}
+
+TEST_F(Stopping, ASignalThatIsNoStopInterruptsNothingOfTheTransport) {
+    auto running = getterOf("the events", FETCHING).start({"get"});
+    waitForHang(running);
+    for (int i = 0; i < 20; ++i) {
+        running.signal(SIGURG);
+    }
+    goOn();
+    EXPECT_EQ(running.waitForEnd(),
+              (Outcome{0, "the events", "ovmem: Got 10 bytes.\n"}));
+    EXPECT_EQ(OvMemTest::readFile(folder.file("reached")), "x");
 }
 
 TEST_F(Stopping, ASignalAfterSavingDoesNotKeepTheReportBack) {
@@ -355,6 +386,19 @@ TEST_F(Stopping, OtherCommandsEndAtTheFirstSignal) {
     waitForHang(running);
     running.signal(SIGTERM);
     EXPECT_EQ(running.waitForEnd(), (Outcome{-SIGTERM, "", ""}));
+}
+
+TEST_F(Stopping, WithoutMemoryForTheThreadTheSignalsAreAsTheyWere) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "The sanitizer brings operator new.";
+#endif
+    auto running =
+        withFaults(as("pump"), "new - 1 fail EAGAIN;write errors 1 hang -")
+            .start({"get"});
+    waitForHang(running);
+    running.signal(SIGTERM);
+    EXPECT_EQ(running.waitForEnd(), (Outcome{-SIGTERM, "", ""}));
+    EXPECT_EQ(trace(), "");
 }
 
 TEST_F(Stopping, WithoutAThreadToWatchNothingIsAskedFor) {

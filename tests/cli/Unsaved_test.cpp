@@ -90,6 +90,19 @@ TEST_F(Unsaved, AFileSystemThatKnowsOnlyLinksSavesEverything) {
     EXPECT_EQ(outcome, failure(saved("the events", savedFile("the events"))));
 }
 
+TEST_F(Unsaved, AHiddenNameThatStaysDoesNotMakeASecondCopy) {
+    const Outcome outcome = failingGetter(
+                                "rename - 1 fail EINVAL;"
+                                "unlink state/ovmem/ 1 fail EIO")
+                                .run({"get"});
+    EXPECT_EQ(filesIn(folder.file("temporary")), std::vector<std::string>());
+    const auto files = savedFiles();
+    ASSERT_EQ(files.size(), 2u);  // two names of one file, the hidden one first
+    EXPECT_TRUE(fs::equivalent(files[0], files[1]));
+    EXPECT_EQ(readFile(files[1]), "the events");
+    EXPECT_EQ(outcome, failure(saved("the events", files[1])));
+}
+
 TEST_F(Unsaved, AFileThatHasTheNameAlreadyIsNotReplaced) {
     for (const std::string faults :
          {"fsync - 1 hang -", "fsync - 1 hang -;rename - 1 fail EINVAL"}) {

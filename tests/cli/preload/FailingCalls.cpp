@@ -10,13 +10,17 @@
 //                                   takes no more than 1000 bytes
 //     fsync - 1 hang -              the first one of all does not return
 //
-// A call that hangs adds a byte to the file OVMEM_TEST_REACHED, and goes on
-// when the file OVMEM_TEST_GO exists. Of several rules that fit, the first
-// counts. OVMEM_TEST_LARGEST_NEW is the size from which operator new fails once
-// a reply has been received.
+// A call that hangs adds "x" to the file OVMEM_TEST_REACHED, and "i" each time
+// a signal interrupts it; it goes on when the file OVMEM_TEST_GO exists. Of
+// several rules that fit, the first counts.
+// Calls of "new" count from the moment at which a thread blocks signals.
+//
+// OVMEM_TEST_LARGEST_NEW is the size from which operator new fails once a reply
+// has been received.
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -27,6 +31,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <time.h>
@@ -49,6 +54,7 @@ struct Rule {
 Rule rules[MOST_RULES];
 int ruleCount = 0;
 std::atomic<bool> received = false;
+std::atomic<bool> blocked = false;  // signals
 
 [[noreturn]] void refuse(const char* text) {
     std::fprintf(stderr, "faults: cannot understand '%s'\n", text);
@@ -77,7 +83,7 @@ int numberOf(const char* name) {
         int number;
     } errors[] = {{"EAGAIN", EAGAIN}, {"EDQUOT", EDQUOT}, {"EINTR", EINTR},
                   {"EINVAL", EINVAL}, {"EIO", EIO},       {"EMFILE", EMFILE},
-                  {"ENOSPC", ENOSPC}, {"NONE", 0}};
+                  {"ENOLCK", ENOLCK}, {"ENOSPC", ENOSPC}, {"NONE", 0}};
     for (const auto& error : errors) {
         if (std::strcmp(error.name, name) == 0) {
             return error.number;
@@ -116,15 +122,21 @@ struct Target {
     }
 };
 
-void hang() {
+void note(const char* letter) {
     const int reached = static_cast<int>(
         syscall(SYS_openat, AT_FDCWD, std::getenv("OVMEM_TEST_REACHED"),
                 O_WRONLY | O_APPEND | O_CREAT, 0600));
-    syscall(SYS_write, reached, "x", 1);
+    syscall(SYS_write, reached, letter, 1);
     syscall(SYS_close, reached);
+}
+
+void hang() {
+    note("x");
     const timespec interval = {0, 2000000};
     while (access(std::getenv("OVMEM_TEST_GO"), F_OK) != 0) {
-        nanosleep(&interval, nullptr);
+        if (nanosleep(&interval, nullptr) != 0) {
+            note("i");
+        }
     }
 }
 
@@ -257,6 +269,12 @@ INTERPOSED int unlink(const char* path) noexcept {
                      [&](std::size_t) { return syscall(SYS_unlink, path); }));
 }
 
+INTERPOSED int flock(int file, int operation) noexcept {
+    return static_cast<int>(unlessFaulty(
+        "flock", {nullptr, file},
+        [&](std::size_t) { return syscall(SYS_flock, file, operation); }));
+}
+
 INTERPOSED int32_t OvMem_Receive(char* buffer) {
     using Receive = int32_t (*)(char*);
     static const auto next =
@@ -264,6 +282,16 @@ INTERPOSED int32_t OvMem_Receive(char* buffer) {
     received = true;
     faultOf("receive", {"", -1});
     return next(buffer);
+}
+
+INTERPOSED int pthread_sigmask(int how, const sigset_t* set,
+                               sigset_t* former) noexcept {
+    using Mask = int (*)(int, const sigset_t*, sigset_t*);
+    static const auto next =
+        reinterpret_cast<Mask>(dlsym(RTLD_NEXT, "pthread_sigmask"));
+    const int result = next(how, set, former);
+    blocked = how == SIG_BLOCK;
+    return result;
 }
 
 INTERPOSED int pthread_create(pthread_t* thread,
@@ -280,6 +308,9 @@ INTERPOSED int pthread_create(pthread_t* thread,
 
 #ifndef __SANITIZE_ADDRESS__
 __attribute__((visibility("default"))) void* operator new(std::size_t size) {
+    if (blocked && faultOf("new", {"", -1}).fails) {
+        throw std::bad_alloc();
+    }
     const char* largest =
         received ? std::getenv("OVMEM_TEST_LARGEST_NEW") : nullptr;
     if (largest == nullptr || size < std::strtoul(largest, nullptr, 10)) {
