@@ -53,9 +53,9 @@ answered by then, what it has handed out is lost; if standard output has not
 taken everything, the events are saved.
 
 Undelivered events. When get cannot deliver what it has fetched, it saves the
-events in a file and says where: in $XDG_STATE_HOME/ovmem or
-$HOME/.local/state/ovmem, else in the folder for temporary files, else in the
-current folder. 'ovmem rescue' looks there, lists, shows and puts back. A put
+events in a file and says where: in $XDG_STATE_HOME/ovmem, else in
+$HOME/.local/state/ovmem, the folder for temporary files, the current folder,
+/tmp or /var/tmp. 'ovmem rescue' looks there, lists, shows and puts back. A put
 goes to all other clients of the server, so put-back asks for a client that does
 not need the events itself, and clients that had them get them again. For the
 one client that missed them use 'rescue show'.

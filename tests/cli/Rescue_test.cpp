@@ -116,7 +116,7 @@ TEST_F(Rescue, ListEscapesThePathsOnATerminal) {
     const std::string odd = folder.file("x\x1B[2J");
     fs::create_directories(odd + "/ovmem");
     write(odd + "/ovmem/" + FIRST, "");
-    ovmem.set("XDG_STATE_HOME", odd);
+    ovmem.set("XDG_STATE_HOME", odd).unset("HOME");
     EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}).output,
               line(FIRST, "0", odd + "/ovmem"));
     OvMemTest::Terminal terminal;
