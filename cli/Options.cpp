@@ -103,7 +103,8 @@ void addRescue(CLI::App& app, Commands& commands, Options& options) {
     commands.rescuePutBack->footer(
         "The events go to every client of --server but --client, also to those "
         "that\nhave had them. For one client that missed them, use 'rescue "
-        "show'.\n\nThe common options: ovmem --help");
+        "show'. If there\nis no other client, nothing is sent and the files "
+        "stay.\n\nThe common options: ovmem --help");
 }
 
 Commands addCommands(CLI::App& app, Options& options) {

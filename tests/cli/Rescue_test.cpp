@@ -21,6 +21,15 @@ const std::string FIRST = "events-not-delivered-20240501T120000.000001Z-17";
 const std::string SECOND = "events-not-delivered-20240501T120000.000002Z-4";
 const std::string THIRD = "events-not-delivered-20240502T120000.000000Z-9";
 
+// A reply by which another client receives the events.
+const std::string VALVE =
+    exchange("<r><sharedClients>valve</sharedClients></r>");
+
+const std::string WITHOUT_RECEIVER =
+    "Register the client that is to have the events ('ovmem register'), then "
+    "put them back, or write them with 'ovmem rescue show'. If it is not the "
+    "server you meant, 'ovmem unregister' takes 'pump' away from it.\n";
+
 // The commands for saved events.
 class Rescue : public OvMemTest::FaultyCliTest {
 protected:
@@ -205,8 +214,7 @@ TEST_F(Rescue, ACommandAndNamesAreNeeded) {
 }
 
 TEST_F(Rescue, PutBackSendsTheEventsAsOneTextAndRemovesTheFiles) {
-    script(exchange("<r/>") +
-           exchange("<r><sharedClients>valve</sharedClients></r>"));
+    script(VALVE + VALVE);
     EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST, SECOND}),
               (Outcome{0, "valve\n",
                        "ovmem: Put back 13 bytes and removed 2 files; 1 other "
@@ -217,13 +225,38 @@ TEST_F(Rescue, PutBackSendsTheEventsAsOneTextAndRemovesTheFiles) {
 }
 
 TEST_F(Rescue, PutBackWithJsonWritesOneObject) {
-    script(exchange("<r/>") + exchange("<r/>"));
+    script(VALVE + VALVE);
     EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST, "--json"}),
               (Outcome{0,
                        "{\"command\":\"rescue put-back\",\"bytes\":6,"
-                       "\"sharedClients\":[]}\n",
+                       "\"sharedClients\":[\"valve\"]}\n",
                        ""}));
     EXPECT_EQ(savedFiles(), (std::vector{place + "/" + SECOND}));
+}
+
+TEST_F(Rescue, EventsThatNobodyWouldReceiveAreNotSent) {
+    script(exchange("<r/>"));
+    EXPECT_EQ(
+        as("pump").run({"rescue", "put-back", FIRST}),
+        (Outcome{11, "",
+                 "ovmem: no receiver: Nobody would receive the events: 'pump' "
+                 "is the only client of 'plant'.\n"
+                 "ovmem: Nothing was sent, and the files stay. " +
+                     WITHOUT_RECEIVER}));
+    EXPECT_EQ(trace().find("first;"), std::string::npos);
+    EXPECT_EQ(savedFiles().size(), 2u);
+}
+
+TEST_F(Rescue, AFileStaysWhenTheReceiversGoJustBeforeThePut) {
+    script(VALVE + exchange("<r/>"));
+    EXPECT_EQ(
+        as("pump").run({"rescue", "put-back", FIRST}),
+        (Outcome{11, "",
+                 "ovmem: no receiver: Nobody has received the events: 'pump' "
+                 "is the only client of 'plant'.\n"
+                 "ovmem: The clients went just before; the files stay. " +
+                     WITHOUT_RECEIVER}));
+    EXPECT_EQ(savedFiles().size(), 2u);
 }
 
 TEST_F(Rescue, AFileStaysWhenTheIdentityCannotBeRegistered) {
@@ -236,7 +269,7 @@ TEST_F(Rescue, AFileStaysWhenTheIdentityCannotBeRegistered) {
 }
 
 TEST_F(Rescue, AFileThatTheServiceDidNotAcceptStays) {
-    script(exchange("<r/>") + failingExchange(-3001, "Gone."));
+    script(VALVE + failingExchange(-3001, "Gone."));
     EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
@@ -247,7 +280,7 @@ TEST_F(Rescue, AFileThatTheServiceDidNotAcceptStays) {
 }
 
 TEST_F(Rescue, AFileWhosePutIsInterruptedStays) {
-    script(exchange("<r/>") + exchange("<r/>"));
+    script(VALVE + VALVE);
     auto running = withFaults(as("pump"), "receive - 5 hang -")
                        .start({"rescue", "put-back", FIRST});
     waitForHang(running);
@@ -257,7 +290,7 @@ TEST_F(Rescue, AFileWhosePutIsInterruptedStays) {
 }
 
 TEST_F(Rescue, OnlyOneAtATimePutsAFileBack) {
-    script(exchange("<r/>") + exchange("<r/>"));
+    script(VALVE + VALVE);
     auto running = withFaults(as("pump"), "receive - 5 hang -")
                        .start({"rescue", "put-back", FIRST});
     waitForHang(running);
@@ -309,7 +342,7 @@ TEST_F(Rescue, AFileThatCannotBeLockedIsNotCalledTaken) {
 
 TEST_F(Rescue, EveryFileThatCannotBeRemovedIsNamed) {
     write(place + "/" + THIRD, "third;");
-    script(exchange("<r/>") + exchange("<r/>"));
+    script(VALVE + VALVE);
     EXPECT_EQ(
         withFaults(as("pump"),
                    "unlink not-delivered 1 fail EIO;"
@@ -342,7 +375,7 @@ TEST_F(Rescue, FilesThatAreTooLargeTogetherAreNotPutBack) {
 }
 
 TEST_F(Rescue, AFileThatCannotBeRemovedIsReported) {
-    script(exchange("<r/>") + exchange("<r/>"));
+    script(VALVE + VALVE);
     EXPECT_EQ(
         withFaults(as("pump"), "unlink not-delivered 1 fail EIO")
             .run({"rescue", "put-back", FIRST}),
