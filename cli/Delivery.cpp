@@ -7,6 +7,7 @@
 
 #include "cli/Failure.h"
 #include "cli/RescueFile.h"
+#include "cli/ShellWord.h"
 #include "cli/StandardStreams.h"
 #include "cli/StopSignal.h"
 
@@ -66,7 +67,7 @@ std::string fateOf(const std::string& events, const Rescue& rescue) {
                                   " bytes, perhaps damaged, are in ";
     fate += several ? "these files, in this order:" : "this file:";
     for (const std::string& file : rescue.files) {
-        fate += ' ' + file;
+        fate += ' ' + shellWord(file);
     }
     return fate;
 }

@@ -189,6 +189,19 @@ TEST_F(Unsaved, WhatIsSavedIsTheOwnersWhateverTheUmask) {
               fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_F(Unsaved, APathThatAShellWouldSplitIsInQuotes) {
+    Program getter = failingGetter("");
+    getter.set("XDG_STATE_HOME", folder.file("my\nstate"));
+    const Outcome outcome = getter.run({"get"});
+    const auto files = filesIn(folder.file("my\nstate/ovmem"));
+    ASSERT_EQ(files.size(), 1u);
+    const std::string name = fs::path(files[0]).filename();
+    // The backslash is doubled as in every message.
+    EXPECT_EQ(outcome,
+              failure(saved("the events", "$'" + folder.file("my\\\\x0astate") +
+                                              "/ovmem/" + name + "'")));
+}
+
 TEST_F(Unsaved, AStateFolderThatIsNoneLeavesTheHomeFolder) {
     Program getter = failingGetter("");
     getter.set("XDG_STATE_HOME", "/dev/null");
