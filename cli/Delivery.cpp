@@ -9,6 +9,7 @@
 
 #include "cli/Failure.h"
 #include "cli/RescueFile.h"
+#include "cli/ShellWord.h"
 #include "cli/StandardStreams.h"
 #include "cli/StopSignal.h"
 
@@ -85,7 +86,7 @@ std::string fateOf(const std::string& events, const Rescue& rescue) {
                                   " bytes, perhaps damaged, are in ";
     fate += several ? "these files, in this order:" : "this file:";
     for (const std::string& file : rescue.files) {
-        fate += ' ' + file;
+        fate += ' ' + shellWord(file);
     }
     return fate;
 }

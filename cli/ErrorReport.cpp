@@ -63,6 +63,9 @@ std::string classOfFailure(ExitCode exitCode) {
     if (isStopped(exitCode)) {
         return "stopped";
     }
+    if (exitCode == ExitCode::NoReceiver) {
+        return "no receiver";
+    }
     return exitCode == ExitCode::Usage ? "usage" : "input/output";
 }
 

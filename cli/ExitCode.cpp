@@ -21,6 +21,7 @@ const Meaning MEANINGS[] = {
     {ExitCode::AnyOtherException, "any other exception"},
     {ExitCode::InputOutput, "a local file or stream failed"},
     {ExitCode::OtherAnswer, "the service answered the status check wrongly"},
+    {ExitCode::NoReceiver, "nobody would receive what is put back"},
 };
 
 }  // namespace

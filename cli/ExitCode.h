@@ -19,7 +19,8 @@ enum class ExitCode : int {
     DomException = 7,
     AnyOtherException = 8,
     InputOutput = 9,
-    OtherAnswer = 10
+    OtherAnswer = 10,
+    NoReceiver = 11
 };
 
 // All codes with their meanings, a line each, as --help shows them.

@@ -8,10 +8,10 @@
 namespace ovmem::cli {
 
 // A failure that ovmem itself finds: an argument or a text it refuses, a local
-// file or stream it cannot read or write, a signal that stops it. Failures of
-// the library keep their own classes.
+// file or stream it cannot read or write, events that nobody would receive, a
+// signal that stops it. Failures of the library keep their own classes.
 struct Failure {
-    ExitCode exitCode;   // Usage, InputOutput, or of a signal
+    ExitCode exitCode;   // Usage, InputOutput, NoReceiver, or of a signal
     std::string text;    // what happened
     std::string advice;  // what to do; may be empty
 };

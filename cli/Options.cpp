@@ -59,9 +59,9 @@ Ctrl-\ and Ctrl-Z while get writes to a terminal, which drops output at these
 keys.
 
 Undelivered events. When get cannot deliver what it has fetched, it saves the
-events in a file and says where: in $XDG_STATE_HOME/ovmem or
-$HOME/.local/state/ovmem, else in the folder for temporary files, else in the
-current folder. 'ovmem rescue' looks there, lists, shows and puts back. A put
+events in a file and says where: in $XDG_STATE_HOME/ovmem, else in
+$HOME/.local/state/ovmem, the folder for temporary files, the current folder,
+/tmp or /var/tmp. 'ovmem rescue' looks there, lists, shows and puts back. A put
 goes to all other clients of the server, so put-back asks for a client that does
 not need the events itself, and clients that had them get them again. For the
 one client that missed them use 'rescue show'.
@@ -99,17 +99,25 @@ void addRescue(CLI::App& app, Commands& commands, Options& options) {
     for (CLI::App* command : {commands.rescueShow, commands.rescuePutBack}) {
         command
             ->add_option("NAME", options.files,
-                         "Names or paths, as 'rescue list' writes them;\n"
-                         "several are one text, in this order")
+                         "Names, as 'rescue list' writes them, or paths\n"
+                         "of such files; several are one text, in this\n"
+                         "order")
             ->type_name("");
     }
     for (CLI::App* command : rescue->get_subcommands({})) {
         addFooter(*command);
     }
+    commands.rescueList->footer(
+        "In a path, control characters and bytes that are no UTF-8 are written "
+        "as \\xNN,\nthe backslash as two. A folder that cannot be read is an "
+        "error.\n\nThe common options: ovmem --help");
     commands.rescuePutBack->footer(
         "The events go to every client of --server but --client, also to those "
         "that\nhave had them. For one client that missed them, use 'rescue "
-        "show'.\n\nThe common options: ovmem --help");
+        "show'. If there\nis no other client, nothing is sent and the files "
+        "stay. The pieces of one text (-01of12) are put in their order\nand "
+        "all "
+        "together, or not at all.\n\nThe common options: ovmem --help");
 }
 
 Commands addCommands(CLI::App& app, Options& options) {

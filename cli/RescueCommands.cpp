@@ -2,20 +2,25 @@
 
 #include <cstring>
 #include <ctime>
+#include <set>
 #include <vector>
 
-#include <unistd.h>
+#include <sys/resource.h>
 
 #include "cli/Count.h"
 #include "cli/EventInput.h"
 #include "cli/Failure.h"
 #include "cli/JsonObject.h"
+#include "cli/RescuePieces.h"
+#include "cli/ShellWord.h"
 #include "cli/StandardStreams.h"
 #include "cli/TerminalText.h"
 
 namespace ovmem::cli {
 
 namespace {
+
+const std::size_t OTHER_DESCRIPTORS = 16;
 
 std::string inUtc(std::time_t when) {
     tm utc = {};
@@ -42,12 +47,10 @@ std::string toJson(const std::vector<SavedFile>& files) {
 }
 
 std::string toLines(const std::vector<SavedFile>& files) {
-    const bool terminal = isatty(STDOUT_FILENO) != 0;
     std::string lines;
     for (const SavedFile& file : files) {
         lines += file.name + '\t' + std::to_string(file.bytes) + '\t' +
-                 inUtc(file.when) + '\t' +
-                 (terminal ? escaped(file.path) : file.path) + '\n';
+                 inUtc(file.when) + '\t' + escaped(file.path) + '\n';
     }
     return lines;
 }
@@ -81,20 +84,50 @@ void requireRoom(const std::list<SavedEvents>& files) {
     }
 }
 
+// Each file stays open, for its lock, while the transport needs some as well.
+void requireDescriptors(std::size_t files) {
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 &&
+        files + OTHER_DESCRIPTORS > limit.rlim_cur) {
+        throw Failure{ExitCode::Usage,
+                      "So many files (" + std::to_string(files) +
+                          ") cannot be put back at once; ovmem may open " +
+                          std::to_string(limit.rlim_cur) + ".",
+                      "Nothing was sent. Name fewer files, or raise the limit "
+                      "with 'ulimit -n'."};
+    }
+}
+
+void openOnce(const std::vector<std::string>& names,
+              std::list<SavedEvents>& files) {
+    const SavedFiles all = listSavedFiles();
+    std::set<SavedEvents::Identity> known;
+    for (const std::string& name : names) {
+        const SavedEvents& file = files.emplace_back(name, all);
+        if (!known.insert(file.identity()).second) {
+            throw Failure{ExitCode::Usage, file.name() + " is named twice.",
+                          "Nothing was sent. Name each file once."};
+        }
+    }
+}
+
 }  // namespace
 
 void listRescued(const Options& options, const Reporter& reporter) {
-    const std::vector<SavedFile> files = listSavedFiles();
+    const SavedFiles saved = listSavedFiles();
+    const std::vector<SavedFile>& files = saved.files;
     writeOutput(options.json ? toJson(files) : toLines(files));
+    requireComplete(saved);
     reporter.tell(files.empty()
                       ? "No events are saved."
                       : "Saved events: " + std::to_string(files.size()) + ".");
 }
 
 void showRescued(const Options& options, const Reporter& reporter) {
+    const SavedFiles all = listSavedFiles();
     std::string events;
     for (const std::string& name : options.files) {
-        events += SavedEvents(name).read();
+        events += SavedEvents(name, all).read();
     }
     if (options.json) {
         JsonObject object;
@@ -111,8 +144,12 @@ void showRescued(const Options& options, const Reporter& reporter) {
 
 std::string claimRescued(const Options& options,
                          std::list<SavedEvents>& files) {
-    for (const std::string& name : options.files) {
-        files.emplace_back(name).claim();
+    requireDescriptors(options.files.size());
+    openOnce(options.files, files);
+    orderPieces(files);
+    for (const SavedEvents& file : files) {
+        file.claim();
+        file.requireRemovable();
     }
     requireRoom(files);
     std::string events;
@@ -129,8 +166,8 @@ void removeRescued(const std::list<SavedEvents>& files) {
     int failures = 0;
     for (const SavedEvents& file : files) {
         if (const int error = file.remove()) {
-            stay += (failures++ == 0 ? "" : "; ") + file.path() + ": " +
-                    std::strerror(error);
+            stay += (failures++ == 0 ? "" : "; ") + shellWord(file.path()) +
+                    ": " + std::strerror(error);
         }
     }
     if (failures > 0) {

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <system_error>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -12,6 +11,7 @@
 #include <unistd.h>
 
 #include "cli/Descriptor.h"
+#include "cli/RescueFolder.h"
 #include "cli/RescuePlaces.h"
 
 namespace ovmem::cli {
@@ -88,20 +88,17 @@ void discard(const Rescue& rescue) {
 // Saves the events in one folder.
 class Attempt {
 public:
-    explicit Attempt(fs::path place) : folder(std::move(place)) {
-        std::error_code failed;  // shows when a file is made
-        fs::create_directories(folder.parent_path(), failed);
-        mkdir(folder.c_str(), 0700);
-    }
+    explicit Attempt(fs::path place) : folder(std::move(place)) {}
 
     Rescue save(const std::vector<std::string_view>& pieces) {
+        if (!prepareRescueFolder(folder)) {
+            return rescue;
+        }
         const std::string name = newRescueName();
-        const std::string last = "of" + std::to_string(pieces.size());
         for (std::size_t i = 0; i < pieces.size(); ++i) {
-            std::string own = name;
-            if (pieces.size() > 1) {
-                own += '-' + std::to_string(i + 1) + last;
-            }
+            const std::string own =
+                pieces.size() == 1 ? name
+                                   : nameOfPiece(name, i + 1, pieces.size());
             if (!write(own, pieces[i])) {
                 return rescue;
             }
@@ -119,6 +116,7 @@ private:
         if (file.get() < 0) {
             return false;
         }
+        fchmod(file.get(), S_IRUSR | S_IWUSR);  // the umask may have taken it
         names.push_back(name);
         rescue.files.push_back(path.string());
         const std::size_t written = writeTo(file.get(), bytes);

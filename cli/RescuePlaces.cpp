@@ -21,8 +21,11 @@ void addPlace(std::vector<fs::path>& places, const fs::path& place) {
     // Without a slash at the end.
     const fs::path absolute =
         (fs::absolute(place, failed) / "").lexically_normal().parent_path();
-    const bool known =
-        std::find(places.begin(), places.end(), absolute) != places.end();
+    const auto isSame = [&absolute](const fs::path& other) {
+        std::error_code missing;  // then they are not the same
+        return other == absolute || fs::equivalent(other, absolute, missing);
+    };
+    const bool known = std::any_of(places.begin(), places.end(), isSame);
     if (!place.empty() && !failed && !known) {
         places.push_back(absolute);
     }
@@ -36,13 +39,16 @@ std::vector<fs::path> listRescuePlaces() {
     const char* home = std::getenv("HOME");
     if (state != nullptr && *state != '\0') {
         addPlace(places, fs::path(state) / "ovmem");
-    } else if (home != nullptr && *home != '\0') {
+    }
+    if (home != nullptr && *home != '\0') {
         addPlace(places, fs::path(home) / ".local/state/ovmem");
     }
     std::error_code failed;  // the path is then empty
     const fs::path temporary = fs::temp_directory_path(failed);
     addPlace(places, failed ? fs::path("/tmp") : temporary);
     addPlace(places, fs::current_path(failed));
+    addPlace(places, "/tmp");
+    addPlace(places, "/var/tmp");
     return places;
 }
 
@@ -56,6 +62,14 @@ std::string newRescueName() {
     const std::string fraction = std::to_string(1000000 + now.tv_nsec / 1000);
     return PREFIX + second + '.' + fraction.substr(1) + "Z-" +
            std::to_string(getpid());
+}
+
+std::string nameOfPiece(const std::string& rescueName, std::size_t number,
+                        std::size_t total) {
+    const std::string all = std::to_string(total);
+    const std::string own = std::to_string(number);
+    const std::string zeros(all.size() - std::min(all.size(), own.size()), '0');
+    return rescueName + '-' + zeros + own + "of" + all;
 }
 
 bool isRescueName(const std::string& name) {

@@ -1,6 +1,7 @@
 #ifndef CLI_RESCUEPLACES_H
 #define CLI_RESCUEPLACES_H
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -13,14 +14,22 @@ namespace ovmem::cli {
 // The folders, in the order in which they are tried; absolute, each once. They
 // need not exist.
 //
-//     $XDG_STATE_HOME/ovmem, or $HOME/.local/state/ovmem
+//     $XDG_STATE_HOME/ovmem
+//     $HOME/.local/state/ovmem
 //     $TMPDIR or the like, or /tmp if that is no folder
 //     the current folder
+//     /tmp
+//     /var/tmp
 std::vector<std::filesystem::path> listRescuePlaces();
 
 // A name that no other run gives: "events-not-delivered-20240501T120000.123456Z
-// -4711". The events that cannot stand in one file have "-1of3" after it.
+// -4711".
 std::string newRescueName();
+
+// The name for a piece of events that cannot stand in one file: with "-07of12"
+// after it, so that a shell sorts the pieces. The first one is number 1.
+std::string nameOfPiece(const std::string& rescueName, std::size_t number,
+                        std::size_t total);
 
 // Whether a file of this name was made by ovmem, and is complete.
 bool isRescueName(const std::string& name);

@@ -210,9 +210,14 @@ ExitCode Session::putBack() {
     std::string events =
         readToSend([&] { return claimRescued(options, files); });
     attach();
+    // A put that nobody receives would leave the events nowhere.
+    requireReceiver("Nobody would receive the events",
+                    "Nothing was sent, and the files stay.");
     shared.clear();
     std::string correlation = "ovmem.rescue";
     connection.putEvents(events, shared, correlation);
+    requireReceiver("Nobody has received the events",
+                    "The clients went just before; the files stay.");
     // Only now: whatever ends this run before leaves the files.
     removeRescued(files);
     JsonObject object;
@@ -232,6 +237,22 @@ void Session::attach() {
     std::string locale = options.locale;
     connection.registerClient(server, client, locale, shared);
     progress.registered = true;
+}
+
+void Session::requireReceiver(const std::string& what,
+                              const std::string& fate) const {
+    if (shared.empty()) {
+        throw Failure{
+            ExitCode::NoReceiver,
+            what + ": '" + options.client + "' is the only client of '" +
+                *options.server + "'.",
+            fate +
+                " Register the client that is to have the events ('ovmem "
+                "register'), then put them back, or write them with 'ovmem "
+                "rescue show'. If it is not the server you meant, 'ovmem "
+                "unregister' takes '" +
+                options.client + "' away from it."};
+    }
 }
 
 void Session::tellRegistered() const {

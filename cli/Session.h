@@ -40,6 +40,11 @@ private:
     // for it.
     void attach();
 
+    // For put-back: refuses if nobody is in the latest list of shared clients.
+    // `fate` says what became of the events.
+    void requireReceiver(const std::string& what,
+                         const std::string& fate) const;
+
     // For commands that only look: says that they have registered the
     // identity. The service does not tell whether it was there before.
     void tellRegistered() const;

@@ -15,6 +15,7 @@ TEST(ExitCode, EveryCodeIsListedOnceAndInOrder) {
               "   8  any other exception\n"
               "   9  a local file or stream failed\n"
               "  10  the service answered the status check wrongly\n"
+              "  11  nobody would receive what is put back\n"
               " 128  and the number of a signal added: get was told to "
               "stop\n");
 }

@@ -25,6 +25,7 @@ FaultyCliTest::FaultyCliTest()
     : place((folder / "home/.local/state/ovmem").string()),
       manyEvents(numberedLines()) {
     fs::create_directory(folder / "temporary");
+    fs::permissions(folder / "temporary", fs::perms::owner_all);
     ovmem.set("TMPDIR", folder.file("temporary"));
     ovmem.after("cd '" + folder.file("temporary") + "'");
 }

@@ -17,6 +17,13 @@ TEST(RescuePlaces, ANewNameIsOneOfOvmemsOwnAndIsGivenOnce) {
               first.size() - std::to_string(getpid()).size());
 }
 
+TEST(RescuePlaces, PiecesAreInOrderWhereAShellSortsTheirNames) {
+    EXPECT_EQ(nameOfPiece("x", 1, 3), "x-1of3");
+    EXPECT_EQ(nameOfPiece("x", 9, 12), "x-09of12");
+    EXPECT_EQ(nameOfPiece("x", 10, 12), "x-10of12");
+    EXPECT_EQ(nameOfPiece("x", 1, 1000), "x-0001of1000");
+}
+
 TEST(RescuePlaces, OtherNamesAreNot) {
     EXPECT_FALSE(isRescueName(""));
     EXPECT_FALSE(isRescueName("events-not-delivered-"));

@@ -1,56 +1,22 @@
-#include <csignal>
 #include <filesystem>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/cli/FaultyCliTest.h"
+#include "tests/cli/RescueTest.h"
 #include "tests/cli/Terminal.h"
 
-using OvMemTest::exchange;
-using OvMemTest::failingExchange;
+using OvMemTest::FIRST;
 using OvMemTest::Outcome;
 using OvMemTest::Program;
-using OvMemTest::readFile;
+using OvMemTest::SECOND;
+using OvMemTest::THIRD;
+using OvMemTest::VALVE;
 namespace fs = std::filesystem;
 
 namespace {
 
-const std::string FIRST = "events-not-delivered-20240501T120000.000001Z-17";
-const std::string SECOND = "events-not-delivered-20240501T120000.000002Z-4";
-const std::string THIRD = "events-not-delivered-20240502T120000.000000Z-9";
-
-// The commands for saved events.
-class Rescue : public OvMemTest::FaultyCliTest {
-protected:
-    Rescue() {
-        fs::create_directories(place);
-        write(place + "/" + SECOND, "second;");
-        write(place + "/" + FIRST, "first;");
-    }
-
-    // As of noon on the first of May.
-    void write(const std::string& path, const std::string& events) const {
-        const fs::path written = path;
-        folder.write(written.lexically_relative(folder / "").string(), events);
-        const timespec noon[2] = {{1714564800, 0}, {1714564800, 0}};
-        EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), noon, 0), 0);
-    }
-
-    std::string line(const std::string& name, const std::string& bytes,
-                     const std::string& where) const {
-        return name + "\t" + bytes + "\t2024-05-01T12:00:00Z\t" + where + "/" +
-               name + "\n";
-    }
-
-    static Outcome unknown(const std::string& name) {
-        return {1, "",
-                "ovmem: usage: No saved events are named '" + name +
-                    "'.\n"
-                    "ovmem: 'ovmem rescue list' names those there are.\n"};
-    }
-};
+using Rescue = OvMemTest::RescueTest;
 
 }  // namespace
 
@@ -107,24 +73,72 @@ TEST_F(Rescue, OnlyRegularFilesOfTheUserWithANameOfOvmemsOwnAreListed) {
     EXPECT_EQ(
         ovmem.run({"rescue", "list", "--quiet"}),
         (Outcome{0, line(FIRST, "6", place) + line(SECOND, "7", place), ""}));
-    EXPECT_EQ(ovmem.run({"rescue", "show", THIRD}), unknown(THIRD));
+    EXPECT_EQ(ovmem.run({"rescue", "show", THIRD}), gone(THIRD));
     EXPECT_EQ(ovmem.run({"rescue", "show", THIRD + "-2of2"}),
-              unknown(THIRD + "-2of2"));
+              gone(THIRD + "-2of2"));
 }
 
-TEST_F(Rescue, ListEscapesThePathsOnATerminal) {
-    const std::string odd = folder.file("x\x1B[2J");
+TEST_F(Rescue, NoPathPassesForAnotherLineOrColumn) {
+    const std::string odd = folder.file("a\\b\t\n\x1B[2J");
     fs::create_directories(odd + "/ovmem");
     write(odd + "/ovmem/" + FIRST, "");
-    ovmem.set("XDG_STATE_HOME", odd);
-    EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}).output,
-              line(FIRST, "0", odd + "/ovmem"));
+    ovmem.set("XDG_STATE_HOME", odd).unset("HOME");
+    const std::string expected =
+        line(FIRST, "0", folder.file("a\\\\b\\x09\\x0a\\x1b[2J") + "/ovmem");
+    EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}),
+              (Outcome{0, expected, ""}));
     OvMemTest::Terminal terminal;
     EXPECT_EQ(
         ovmem.outputTo(terminal.file()).run({"rescue", "list", "--quiet"}),
         (Outcome{0, "", ""}));
-    EXPECT_EQ(terminal.take(),
-              line(FIRST, "0", folder.file("x\\x1b[2J") + "/ovmem"));
+    EXPECT_EQ(terminal.take(), expected);
+}
+
+TEST_F(Rescue, AFolderThatCannotBeReadIsNamedAfterWhatIsListed) {
+    const std::string state = folder.file("my state");
+    fs::create_directory(state);
+    fs::create_symlink("ovmem", state + "/ovmem");  // to itself
+    ovmem.set("XDG_STATE_HOME", state);
+    const std::string problem =
+        "ovmem: input/output: Cannot look for saved events everywhere: '" +
+        state +
+        "/ovmem': Too many levels of symbolic links.\n"
+        "ovmem: There may be more than are listed. Remove the cause, then try "
+        "again.\n";
+    EXPECT_EQ(ovmem.run({"rescue", "list"}),
+              (Outcome{9, line(FIRST, "6", place) + line(SECOND, "7", place),
+                       problem}));
+    EXPECT_EQ(ovmem.run({"rescue", "show", "--quiet", FIRST}),
+              (Outcome{0, "first;", ""}));
+    EXPECT_EQ(ovmem.run({"rescue", "show", THIRD}), (Outcome{9, "", problem}));
+}
+
+TEST_F(Rescue, AFileWithAnotherNameElsewhereIsNotListed) {
+    fs::create_hard_link(place + "/" + SECOND, folder.file("elsewhere"));
+    EXPECT_EQ(ovmem.run({"rescue", "list", "--quiet"}),
+              (Outcome{0, line(FIRST, "6", place), ""}));
+    const std::string path = place + "/" + SECOND;
+    EXPECT_EQ(ovmem.run({"rescue", "show", path}), gone(path));
+}
+
+TEST_F(Rescue, AFileIsFoundByItsPathWhereverItIs) {
+    const std::string here = folder.file("here");
+    fs::create_directory(here);
+    write(here + "/" + THIRD, "third;");
+    fs::create_symlink(here + "/" + THIRD, here + "/" + FIRST);
+    EXPECT_EQ(ovmem.run({"rescue", "show", "--quiet", here + "/" + THIRD}),
+              (Outcome{0, "third;", ""}));
+    EXPECT_EQ(ovmem.run({"rescue", "show", here + "/" + FIRST}),
+              gone(here + "/" + FIRST));
+    ovmem.after("cd '" + here + "'");
+    EXPECT_EQ(ovmem.run({"rescue", "show", "--quiet", "./" + THIRD}),
+              (Outcome{0, "third;", ""}));
+    ovmem.after("cd '" + place + "'");
+    script(VALVE + VALVE);
+    EXPECT_EQ(as("pump").run({"rescue", "put-back", "--quiet",
+                              "../../../../here/" + THIRD}),
+              (Outcome{0, "valve\n", ""}));
+    EXPECT_FALSE(fs::exists(here + "/" + THIRD));
 }
 
 TEST_F(Rescue, ShowOfOneByteSaysByte) {
@@ -202,168 +216,6 @@ TEST_F(Rescue, ACommandAndNamesAreNeeded) {
                        "ovmem: usage: rescue put-back needs --server.\n"
                        "ovmem: Give --server, or set OVMEM_SERVER.\n"}));
     EXPECT_EQ(trace(), "");
-}
-
-TEST_F(Rescue, PutBackSendsTheEventsAsOneTextAndRemovesTheFiles) {
-    script(exchange("<r/>") +
-           exchange("<r><sharedClients>valve</sharedClients></r>"));
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST, SECOND}),
-              (Outcome{0, "valve\n",
-                       "ovmem: Put back 13 bytes and removed 2 files; 1 other "
-                       "client shares the events.\n"}));
-    EXPECT_NE(trace().find("OvMem_SendNoAck(\"first;second;\")"),
-              std::string::npos);
-    EXPECT_EQ(savedFiles(), std::vector<std::string>());
-}
-
-TEST_F(Rescue, PutBackWithJsonWritesOneObject) {
-    script(exchange("<r/>") + exchange("<r/>"));
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST, "--json"}),
-              (Outcome{0,
-                       "{\"command\":\"rescue put-back\",\"bytes\":6,"
-                       "\"sharedClients\":[]}\n",
-                       ""}));
-    EXPECT_EQ(savedFiles(), (std::vector{place + "/" + SECOND}));
-}
-
-TEST_F(Rescue, AFileStaysWhenTheIdentityCannotBeRegistered) {
-    script(failingExchange(-3001, "Gone."));
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
-              (Outcome{2, "",
-                       "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Remove the cause, then try again.\n"}));
-    EXPECT_EQ(savedFiles().size(), 2u);
-}
-
-TEST_F(Rescue, AFileThatTheServiceDidNotAcceptStays) {
-    script(exchange("<r/>") + failingExchange(-3001, "Gone."));
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
-              (Outcome{2, "",
-                       "ovmem: OvMEMConnectionException (0): Gone.\n"
-                       "ovmem: Unless the text says otherwise, the events may "
-                       "have arrived. If you put them again, they may arrive "
-                       "twice.\n"}));
-    EXPECT_EQ(savedFiles().size(), 2u);
-}
-
-TEST_F(Rescue, AFileWhosePutIsInterruptedStays) {
-    script(exchange("<r/>") + exchange("<r/>"));
-    auto running = withFaults(as("pump"), "receive - 5 hang -")
-                       .start({"rescue", "put-back", FIRST});
-    waitForHang(running);
-    running.signal(SIGTERM);
-    EXPECT_EQ(running.waitForEnd(), (Outcome{-SIGTERM, "", ""}));
-    EXPECT_EQ(readFile(place + "/" + FIRST), "first;");
-}
-
-TEST_F(Rescue, OnlyOneAtATimePutsAFileBack) {
-    script(exchange("<r/>") + exchange("<r/>"));
-    auto running = withFaults(as("pump"), "receive - 5 hang -")
-                       .start({"rescue", "put-back", FIRST});
-    waitForHang(running);
-    const Outcome refusal{9, "",
-                          "ovmem: input/output: Cannot put back " + FIRST +
-                              ": that is being done already, or has just "
-                              "been.\n"
-                              "ovmem: Nothing was sent. See 'ovmem rescue "
-                              "list'.\n"};
-    script("");
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}), refusal);
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", SECOND, SECOND}).exitCode,
-              9);
-    goOn();
-    EXPECT_EQ(running.waitForEnd().exitCode, 0);
-    EXPECT_EQ(savedFiles(), (std::vector{place + "/" + SECOND}));
-}
-
-TEST_F(Rescue, AFileThatWasPutBackJustNowIsNotPutAgain) {
-    // A second name does not make it a file that is still to be put back.
-    fs::create_hard_link(place + "/" + FIRST, place + "/." + FIRST);
-    auto running = withFaults(as("pump"), "flock - 1 hang -")
-                       .start({"rescue", "put-back", FIRST});
-    waitForHang(running);
-    fs::remove(place + "/" + FIRST);
-    goOn();
-    EXPECT_EQ(running.waitForEnd(),
-              (Outcome{9, "",
-                       "ovmem: input/output: Cannot put back " + FIRST +
-                           ": that is being done already, or has just been.\n"
-                           "ovmem: Nothing was sent. See 'ovmem rescue "
-                           "list'.\n"}));
-    EXPECT_EQ(trace(), "");
-}
-
-TEST_F(Rescue, AFileThatCannotBeLockedIsNotCalledTaken) {
-    EXPECT_EQ(
-        withFaults(as("pump"), "flock - 1 fail ENOLCK")
-            .run({"rescue", "put-back", FIRST}),
-        (Outcome{9, "",
-                 "ovmem: input/output: Cannot lock " + place + "/" + FIRST +
-                     ": No locks available.\n"
-                     "ovmem: Nothing was sent. Write the events with "
-                     "'ovmem rescue show', put them with 'ovmem put', "
-                     "then remove the file.\n"}));
-    EXPECT_EQ(trace(), "");
-    EXPECT_EQ(savedFiles().size(), 2u);
-}
-
-TEST_F(Rescue, EveryFileThatCannotBeRemovedIsNamed) {
-    write(place + "/" + THIRD, "third;");
-    script(exchange("<r/>") + exchange("<r/>"));
-    EXPECT_EQ(
-        withFaults(as("pump"),
-                   "unlink not-delivered 1 fail EIO;"
-                   "unlink not-delivered 3 fail ENOSPC")
-            .run({"rescue", "put-back", FIRST, SECOND, THIRD}),
-        (Outcome{9, "",
-                 "ovmem: input/output: Cannot remove " + place + "/" + FIRST +
-                     ": Input/output error; " + place + "/" + THIRD +
-                     ": No space left on device.\n"
-                     "ovmem: The events are put. Remove the files, or "
-                     "they may be put once more.\n"}));
-    EXPECT_EQ(savedFiles(),
-              (std::vector{place + "/" + FIRST, place + "/" + THIRD}));
-}
-
-TEST_F(Rescue, FilesThatAreTooLargeTogetherAreNotPutBack) {
-    // They take no room on the disk.
-    fs::resize_file(place + "/" + FIRST, 300 * 1024 * 1024);
-    fs::resize_file(place + "/" + SECOND, 300 * 1024 * 1024);
-    EXPECT_EQ(withFaults(as("pump"), "read not-delivered 1+ fail EIO")
-                  .run({"rescue", "put-back", FIRST, SECOND}),
-              (Outcome{1, "",
-                       "ovmem: usage: The events are longer than 536870912 "
-                       "bytes, the most that one put carries.\n"
-                       "ovmem: Nothing was sent. Put back fewer files at once; "
-                       "one that is too large alone can be written with 'ovmem "
-                       "rescue show' and put in several parts.\n"}));
-    EXPECT_EQ(trace(), "");
-    EXPECT_EQ(savedFiles().size(), 2u);
-}
-
-TEST_F(Rescue, AFileThatCannotBeRemovedIsReported) {
-    script(exchange("<r/>") + exchange("<r/>"));
-    EXPECT_EQ(
-        withFaults(as("pump"), "unlink not-delivered 1 fail EIO")
-            .run({"rescue", "put-back", FIRST}),
-        (Outcome{9, "",
-                 "ovmem: input/output: Cannot remove " + place + "/" + FIRST +
-                     ": Input/output error.\n"
-                     "ovmem: The events are put. Remove the file, or "
-                     "they may be put once more.\n"}));
-}
-
-TEST_F(Rescue, EventsWithANulAreNotPutBack) {
-    write(place + "/" + FIRST, std::string("ab\0c", 4));
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", SECOND, FIRST}),
-              (Outcome{1, "",
-                       "ovmem: usage: The byte at offset 2 of " + FIRST +
-                           " is NUL; the transport carries texts and would "
-                           "drop what follows it.\n"
-                           "ovmem: Nothing was sent. 'ovmem rescue show' "
-                           "writes the events as they are.\n"}));
-    EXPECT_EQ(trace(), "");
-    EXPECT_EQ(savedFiles().size(), 2u);
 }
 
 TEST_F(Rescue, WhatCannotBeShownStays) {

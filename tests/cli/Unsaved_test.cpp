@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/cli/FaultyCliTest.h"
 
@@ -175,8 +176,84 @@ TEST_F(Unsaved, TheStateFolderComesBeforeTheHomeFolder) {
     EXPECT_EQ(savedFiles(), std::vector<std::string>());
 }
 
+TEST_F(Unsaved, WhatIsSavedIsTheOwnersWhateverTheUmask) {
+    Program getter = failingGetter("");
+    getter.after("umask 777");
+    EXPECT_EQ(getter.run({"get"}).exitCode, 9);
+    for (const char* made : {"home/.local", "home/.local/state"}) {
+        EXPECT_EQ(fs::status(folder / made).permissions(),
+                  fs::perms::owner_all);
+    }
+    EXPECT_EQ(fs::status(place).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(savedFile("the events")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(Unsaved, APathThatAShellWouldSplitIsInQuotes) {
+    Program getter = failingGetter("");
+    getter.set("XDG_STATE_HOME", folder.file("my\nstate"));
+    const Outcome outcome = getter.run({"get"});
+    const auto files = filesIn(folder.file("my\nstate/ovmem"));
+    ASSERT_EQ(files.size(), 1u);
+    const std::string name = fs::path(files[0]).filename();
+    // The backslash is doubled as in every message.
+    EXPECT_EQ(outcome,
+              failure(saved("the events", "$'" + folder.file("my\\\\x0astate") +
+                                              "/ovmem/" + name + "'")));
+}
+
+TEST_F(Unsaved, AStateFolderThatIsNoneLeavesTheHomeFolder) {
+    Program getter = failingGetter("");
+    getter.set("XDG_STATE_HOME", "/dev/null");
+    const Outcome outcome = getter.run({"get"});
+    EXPECT_EQ(outcome, failure(saved("the events", savedFile("the events"))));
+}
+
+TEST_F(Unsaved, AFolderThatOthersMayWriteToIsNotUsed) {
+    fs::create_directories(place);
+    fs::permissions(place, fs::perms::all);
+    expectSecondPlace(failingGetter(""));
+    fs::permissions(place, fs::perms::all | fs::perms::sticky_bit);
+    const Outcome outcome = failingGetter("").run({"get"});
+    EXPECT_EQ(outcome, failure(saved("the events", savedFile("the events"))));
+}
+
+TEST_F(Unsaved, AFolderOfAnotherUserIsNotUsedEither) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "Only root can give a folder away.";
+    }
+    const fs::path foreign = folder / "foreign";
+    fs::create_directory(foreign);
+    EXPECT_EQ(chown(foreign.c_str(), 4711, 4711), 0);
+    fs::create_directories(fs::path(place).parent_path());
+    fs::create_directory_symlink(foreign, place);
+    expectSecondPlace(failingGetter(""));
+    fs::remove(place);
+    fs::create_directory(place);
+    EXPECT_EQ(chown(place.c_str(), 4711, 4711), 0);
+    expectSecondPlace(failingGetter(""));
+}
+
+TEST_F(Unsaved, WhenNoChosenFolderTakesThemAUsualOneDoes) {
+    const std::string chosen = "open temporary/ 1+ fail EIO";
+    for (const std::string usual : {"/tmp", "/var/tmp"}) {
+        Program getter = failingGetter(
+            usual == "/tmp" ? chosen : chosen + ";open /tmp/.ev 1 fail EIO");
+        getter.unset("HOME");
+        const Outcome outcome = getter.run({"get"});
+        const std::size_t begin = outcome.errors.find(usual + "/events-not-");
+        ASSERT_NE(begin, std::string::npos) << outcome;
+        std::string file = outcome.errors.substr(begin);
+        file.pop_back();
+        EXPECT_EQ(readFile(file), "the events");
+        EXPECT_EQ(outcome, failure(saved("the events", file)));
+        fs::remove(file);
+    }
+}
+
 TEST_F(Unsaved, WithoutFoldersTheCurrentOneTakesThem) {
     fs::create_directory(folder / "here");
+    fs::permissions(folder / "here", fs::perms::owner_all);
     Program getter = failingGetter("open temporary/ 1+ fail EIO");
     getter.unset("HOME").set("XDG_STATE_HOME", "");
     getter.after("cd '" + folder.file("here") + "'");

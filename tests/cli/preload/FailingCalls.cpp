@@ -269,6 +269,14 @@ INTERPOSED int unlink(const char* path) noexcept {
                      [&](std::size_t) { return syscall(SYS_unlink, path); }));
 }
 
+INTERPOSED int faccessat(int folder, const char* path, int mode,
+                         int flags) noexcept {
+    return static_cast<int>(
+        unlessFaulty("faccessat", {path, -1}, [&](std::size_t) {
+            return syscall(SYS_faccessat2, folder, path, mode, flags);
+        }));
+}
+
 INTERPOSED int flock(int file, int operation) noexcept {
     return static_cast<int>(unlessFaulty(
         "flock", {nullptr, file},
