@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <clocale>
-#include <cstring>
+#include <initializer_list>
+#include <string>
 
 #include <OvMemCppBinding/util/XmlPlatformGuard.h>
 
@@ -16,15 +17,26 @@ using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
-// For an error found before the options are known.
+bool isAny(const std::string& word, std::initializer_list<const char*> words) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// For an error found before the options are known. The word after an option
+// with a value is its value, also where it is refused.
 bool asksForJson(int count, char** arguments) {
-    const auto is = [](const char* word) {
-        return [word](const char* argument) {
-            return std::strcmp(argument, word) == 0;
-        };
-    };
-    char** const end = std::find_if(arguments, arguments + count, is("--"));
-    return std::any_of(arguments, end, is("--json"));
+    for (int i = 1; i < count; ++i) {
+        const std::string word = arguments[i];
+        if (word == "--") {
+            return false;
+        }
+        if (word == "--json") {
+            return true;
+        }
+        if (isAny(word, {"--server", "--client", "--locale", "--grace"})) {
+            ++i;
+        }
+    }
+    return false;
 }
 
 ExitCode run(int count, char** arguments, Progress& progress) {

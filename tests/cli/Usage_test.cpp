@@ -100,10 +100,12 @@ TEST_F(Usage, StandardInputNamedTwiceIsRefused) {
 }
 
 TEST_F(Usage, ErrorsAreJsonWhereJsonIsAskedFor) {
-    EXPECT_EQ(
-        ovmem.run({"fetch", "--json"}),
-        (Outcome{1, "",
-                 "{\"error\":\"usage\",\"text\":\"'fetch' is neither a command "
-                 "nor an option.\",\"advice\":\"'ovmem --help' "
-                 "lists the commands and options.\",\"exitCode\":1}\n"}));
+    const Outcome failure{
+        1, "",
+        "{\"error\":\"usage\",\"text\":\"'fetch' is neither a command "
+        "nor an option.\",\"advice\":\"'ovmem --help' "
+        "lists the commands and options.\",\"exitCode\":1}\n"};
+    EXPECT_EQ(ovmem.run({"fetch", "--json"}), failure);
+    EXPECT_EQ(ovmem.run({"fetch", "--client", "x", "--json"}), failure);
+    EXPECT_EQ(ovmem.run({"fetch", "--client=", "--json"}), failure);
 }
