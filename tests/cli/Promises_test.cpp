@@ -1,18 +1,18 @@
 #include <csignal>
 #include <filesystem>
 
-#include "tests/cli/FaultyCliTest.h"
+#include "tests/cli/RescueTest.h"
 
-using OvMemTest::exchange;
+using OvMemTest::FIRST;
 using OvMemTest::Outcome;
 using OvMemTest::Program;
 using OvMemTest::readFile;
+using OvMemTest::SECOND;
+using OvMemTest::VALVE;
 namespace fs = std::filesystem;
 
 namespace {
 
-const std::string FIRST = "events-not-delivered-20240501T120000.000001Z-17";
-const std::string SECOND = "events-not-delivered-20240501T120000.000002Z-4";
 const Outcome KILLED{-SIGKILL, "", ""};
 const Outcome NOTHING_SAVED{0, "", "ovmem: No events are saved.\n"};
 
@@ -26,7 +26,7 @@ protected:
     }
 
     Program putsBack(const std::string& faults) const {
-        script(exchange("<r/>") + exchange("<r/>"));
+        script(VALVE + VALVE);
         return withFaults(as("pump"), faults);
     }
 
@@ -110,9 +110,9 @@ TEST_F(Promises, APutBackThatIsKilledBeforeItRemovesAFilePutsAllTwice) {
                   std::string::npos)
             << step;
         EXPECT_EQ(putsBack("").run({"rescue", "put-back", FIRST, SECOND}),
-                  (Outcome{0, "",
-                           "ovmem: Put back 13 bytes and removed 2 files; 0 "
-                           "other clients share the events.\n"}))
+                  (Outcome{0, "valve\n",
+                           "ovmem: Put back 13 bytes and removed 2 files; 1 "
+                           "other client shares the events.\n"}))
             << step;
     }
 }
@@ -123,12 +123,13 @@ TEST_F(Promises, APutBackThatIsKilledBetweenTwoFilesLeavesTheSecond) {
 }
 
 TEST_F(Promises, APutBackThatIsKilledAtItsAnswerLeavesNoFile) {
-    killPutBack("write errors 1 hang -");
+    killPutBack("write output 1 hang -");
     EXPECT_EQ(savedFiles(), std::vector<std::string>());
-    EXPECT_EQ(as("pump").run({"rescue", "put-back", FIRST}),
-              (Outcome{1, "",
-                       "ovmem: usage: No saved events are named '" + FIRST +
-                           "'.\n"
-                           "ovmem: 'ovmem rescue list' names those there "
-                           "are.\n"}));
+    EXPECT_EQ(
+        as("pump").run({"rescue", "put-back", FIRST}),
+        (Outcome{9, "",
+                 "ovmem: input/output: No saved events are named '" + FIRST +
+                     "'.\n"
+                     "ovmem: 'ovmem rescue list' names those there "
+                     "are.\n"}));
 }
