@@ -1,5 +1,7 @@
 #include "emulator/OvMemBinding/Exchange.h"
 
+#include <utility>
+
 #include "emulator/manager/Refusal.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
@@ -22,7 +24,7 @@ void requireLimit(std::size_t size, std::size_t limit, const char* what) {
 }  // namespace
 
 Exchange::Exchange(HostHeap hostHeap, Limits requestLimits)
-    : limits(requestLimits), request(hostHeap) {}
+    : limits(requestLimits), request(std::move(hostHeap)) {}
 
 void Exchange::send(std::string_view text) {
     abandon();

@@ -49,6 +49,10 @@ public:
     EventStore& operator=(const EventStore&) = delete;
     virtual ~EventStore() = default;
 
+    // Opens what there is to open, if it is not open. Every operation does so,
+    // too; this is for those who want to know early.
+    virtual void open() {}
+
     // Every answer is the list of clients after the operation, null if the
     // caller is not registered.
 

@@ -1,9 +1,16 @@
 #include "emulator/store/SqliteFile.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
+#include "emulator/store/GatePassage.h"
 #include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
@@ -12,6 +19,9 @@ namespace {
 
 constexpr int applicationId = 0x4F764D45;  // "OvME"
 constexpr int schemaVersion = 1;
+
+constexpr std::uintmax_t largestLog = 4 * 1024 * 1024;  // bytes
+constexpr std::chrono::seconds cutLimit{1};
 
 // The sender stands before the body, so that looking for the events of others
 // does not walk through bodies. The row id of an event has no meaning.
@@ -39,7 +49,7 @@ int integer(SQLite::Database& database, const char* query) {
     return database.execAndGet(query).getInt();
 }
 
-// A server is never removed, so numbers never begin anew under an old cursor.
+// A server is never removed, so numbers never begin at 1 under an old cursor.
 void createSchema(SQLite::Database& database) {
     SQLite::Transaction transaction(database);
     database.exec(schema);
@@ -48,11 +58,25 @@ void createSchema(SQLite::Database& database) {
     transaction.commit();
 }
 
-void recognise(SQLite::Database& database, const std::string& path) {
-    if (integer(database, "SELECT count(*) FROM sqlite_master") == 0) {
-        createSchema(database);
-        return;
+bool isEmpty(SQLite::Database& database) {
+    return integer(database, "SELECT count(*) FROM sqlite_master") == 0;
+}
+
+bool hasLog(SQLite::Database& database) {
+    return database.execAndGet("PRAGMA journal_mode").getString() == "wal";
+}
+
+void requireLog(SQLite::Database& database, const std::string& path) {
+    const std::string mode =
+        database.execAndGet("PRAGMA journal_mode = WAL").getString();
+    if (mode != "wal") {
+        throw StoreError("The folder of the event store '" + path +
+                         "' does not allow a write-ahead log. Set OVMEM_STORE "
+                         "to a file on a local file system.");
     }
+}
+
+void requireOurs(SQLite::Database& database, const std::string& path) {
     if (integer(database, "PRAGMA application_id") != applicationId) {
         throw StoreError("The file '" + path +
                          "' is a database of another program. Set OVMEM_STORE "
@@ -65,28 +89,74 @@ void recognise(SQLite::Database& database, const std::string& path) {
     }
 }
 
+// The log comes before the tables, so that whoever sees the tables can count on
+// the log.
+void makeStore(SQLite::Database& database, const SqliteOptions& options,
+               Deadline deadline) {
+    const GatePassage passage(options.path + ".gate", deadline);
+    if (isEmpty(database)) {
+        requireLog(database, options.path);
+        createSchema(database);
+    }
+    requireOurs(database, options.path);
+    requireLog(database, options.path);
+}
+
 }  // namespace
 
-std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options) {
+std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
+                                                 Deadline deadline) {
     auto database = std::make_unique<SQLite::Database>(
         options.path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
-        options.busyTimeoutMilliseconds);
-    recognise(*database, options.path);
-    const std::string mode =
-        database->execAndGet("PRAGMA journal_mode = WAL").getString();
-    if (mode != "wal") {
-        throw StoreError("The folder of the event store '" + options.path +
-                         "' does not allow a write-ahead log. Set OVMEM_STORE "
-                         "to a file on a local file system.");
+        millisecondsUntil(deadline));
+    keepLogAtClose(*database, true);
+    if (isEmpty(*database) || !hasLog(*database)) {
+        makeStore(*database, options, deadline);
+    } else {
+        requireOurs(*database, options.path);
     }
     database->exec(options.synchronous == Synchronous::full
                        ? "PRAGMA synchronous = FULL"
                        : "PRAGMA synchronous = NORMAL");
-    // Large bodies: give the log's room back, and do not write zeros over
+    // After large bodies, give the log's room back; and do not write zeros over
     // what is trimmed.
-    database->exec("PRAGMA journal_size_limit = 67108864");
+    database->exec("PRAGMA journal_size_limit = " + std::to_string(largestLog));
     database->exec("PRAGMA secure_delete = FAST");
+    // Processes that come one after the other never start the log from its
+    // beginning, since each has it open alone and for a moment.
+    cutLog(*database, options.path, largestLog, deadline);
     return database;
+}
+
+void cutLog(SQLite::Database& database, const std::string& path,
+            std::uintmax_t bytes, Deadline deadline) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path + "-wal", error);
+    if (error || size <= bytes) {
+        return;
+    }
+    try {
+        const GatePassage passage(
+            path + ".gate",
+            std::min(deadline, std::chrono::steady_clock::now() + cutLimit));
+        database.setBusyTimeout(0);  // a reader may be stopped
+        database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
+    } catch (const SQLite::Exception&) {
+        // The log stays.
+    } catch (const StoreError&) {
+    }
+    database.setBusyTimeout(millisecondsUntil(deadline));
+}
+
+void keepLogAtClose(SQLite::Database& database, bool keep) noexcept {
+    ::sqlite3_db_config(database.getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE,
+                        keep ? 1 : 0, nullptr);
+}
+
+int millisecondsUntil(Deadline deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

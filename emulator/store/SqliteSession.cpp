@@ -1,14 +1,16 @@
 #include "emulator/store/SqliteSession.h"
 
-#include <algorithm>
+#include <chrono>
 #include <new>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/SqliteFile.h"
 #include "emulator/store/SqliteStatements.h"
+#include "emulator/store/SqliteTransaction.h"
 #include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
@@ -21,47 +23,62 @@ constexpr std::int64_t trimmedAtOnce = 32;
 
 constexpr std::size_t cachedLists = 256;
 
+// How long the end of a session may wait at the gate.
+constexpr std::chrono::seconds tidyLimit{1};
+
 }  // namespace
 
 // The one way to write: gate first, then the write lock.
 class SqliteSession::Write {
 public:
-    explicit Write(SqliteSession& session) : passage(session.gate) {
+    explicit Write(SqliteSession& session)
+        : passage(session.gate, session.deadline) {
         session.setBusyTimeout();
-        transaction.emplace(*session.database,
-                            SQLite::TransactionBehavior::IMMEDIATE);
+        transaction.emplace(session.statements->transaction,
+                            SqliteTransaction::Kind::write);
     }
 
     void commit() { transaction->commit(); }
 
 private:
     GatePassage passage;
-    std::optional<SQLite::Transaction> transaction;
+    std::optional<SqliteTransaction> transaction;
 };
 
-SqliteSession::SqliteSession(const SqliteOptions& options)
-    : gate(options.path + ".gate") {
-    const GatePassage passage(gate);
-    database = openSqliteFile(options);
-    statements = std::make_unique<SqliteStatements>(*database);
-}
+SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
+    : path(options.path),
+      gate(options.path + ".gate"),
+      deadline(limit),
+      database(openSqliteFile(options, limit)),
+      statements(std::make_unique<SqliteStatements>(*database)) {}
+
+SqliteSession::~SqliteSession() = default;
 
 // The last one to close writes the log back into the file; nobody may write
-// meanwhile.
-SqliteSession::~SqliteSession() {
-    std::optional<GatePassage> passage;
+// meanwhile. A log that is left behind is a matter of room only.
+void SqliteSession::tidyUp() noexcept {
     try {
-        passage.emplace(gate);
-    } catch (const StoreError&) {
-        // The folder is gone; closing without the gate harms nobody.
+        const GatePassage passage(gate,
+                                  std::chrono::steady_clock::now() + tidyLimit);
+        statements.reset();
+        keepLogAtClose(*database, false);
+        database.reset();
+    } catch (const std::exception&) {
+        // The log stays.
     }
-    statements.reset();
-    database.reset();
 }
 
-void SqliteSession::waitUntil(std::chrono::steady_clock::time_point limit) {
+void SqliteSession::cutLog() {
+    Emulator::cutLog(*database, path, 0, deadline);
+}
+
+void SqliteSession::waitUntil(Deadline limit) {
     deadline = limit;
     setBusyTimeout();
+}
+
+bool SqliteSession::isAtRest() const noexcept {
+    return ::sqlite3_get_autocommit(database->getHandle()) != 0;
 }
 
 ClientList SqliteSession::registerClient(const Identity& caller) {
@@ -96,7 +113,8 @@ ClientList SqliteSession::unregisterClient(const Identity& caller) {
 }
 
 ClientList SqliteSession::sharedClients(const Identity& caller) {
-    SQLite::Transaction read(*database);
+    const SqliteTransaction read(statements->transaction,
+                                 SqliteTransaction::Kind::read);
     const std::optional<Member> now = member(caller);
     if (!now) {
         return nullptr;
@@ -128,7 +146,8 @@ ClientList SqliteSession::putEvents(const Identity& caller,
 }
 
 std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
-    SQLite::Transaction read(*database);
+    const SqliteTransaction read(statements->transaction,
+                                 SqliteTransaction::Kind::read);
     const std::optional<Member> now = member(caller);
     if (!now) {
         return std::nullopt;
@@ -154,10 +173,7 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
 }
 
 void SqliteSession::setBusyTimeout() {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-        deadline - std::chrono::steady_clock::now());
-    database->setBusyTimeout(
-        static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+    database->setBusyTimeout(millisecondsUntil(deadline));
 }
 
 std::optional<SqliteSession::Member> SqliteSession::member(

@@ -3,7 +3,8 @@
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 SqliteStatements::SqliteStatements(SQLite::Database& database)
-    : member(database,
+    : transaction(database),
+      member(database,
              "SELECT s.id, s.next, s.epoch, c.cursor FROM server s "
              "JOIN client c ON c.server = s.id AND c.name = ?2 "
              "WHERE s.name = ?1"),

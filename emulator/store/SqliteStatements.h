@@ -7,12 +7,15 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include "emulator/store/SqliteTransaction.h"
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // Every statement of a SqliteSession, prepared once.
 struct SqliteStatements {
     explicit SqliteStatements(SQLite::Database& database);
 
+    SqliteTransactionStatements transaction;
     SQLite::Statement member;
     SQLite::Statement addServer;
     SQLite::Statement addClient;

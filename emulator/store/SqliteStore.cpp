@@ -1,18 +1,16 @@
 #include "emulator/store/SqliteStore.h"
 
 #include <chrono>
-#include <mutex>
 #include <new>
 #include <string>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
+#include "emulator/store/LockHolder.h"
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
-#include "emulator/store/StoreMutex.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -27,9 +25,11 @@ namespace {
             throw std::bad_alloc();
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
-            throw StoreError(store + "is locked by another program" + reason +
-                             "Find what keeps it open for writing, then "
-                             "repeat the call.");
+            throw StoreError(
+                store +
+                "is locked: " + describeLockHolder({path + "-shm", path}) +
+                " holds its lock" + reason +
+                "Let that process go on or end it, then repeat the call.");
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
             throw StoreError(store + "is damaged or not a store" + reason +
@@ -47,28 +47,50 @@ namespace {
 
 }  // namespace
 
+// One deadline for all that a call waits for: the other threads of this
+// process, the gate, and the locks of other programs.
 template <typename Work>
 auto SqliteStore::use(Work work) {
-    const auto deadline =
-        std::chrono::steady_clock::now() +
-        std::chrono::milliseconds(options.busyTimeoutMilliseconds);
-    const std::lock_guard lock(storeMutex());
+    const Deadline limit = deadline();
+    const auto lock = OpenStores::instance().lockUntil(limit);
     try {
-        SqliteSession& now = sessionOfThisProcess();
-        now.waitUntil(deadline);
-        return work(now);
+        if (!session) {
+            session = std::make_unique<SqliteSession>(options, limit);
+        }
+        session->waitUntil(limit);
+        try {
+            return work(*session);
+        } catch (const SQLite::Exception& error) {
+            if (error.getErrorCode() != SQLITE_FULL || !session->isAtRest()) {
+                throw;
+            }
+        }
+        // The log may be what fills the disk. Nothing was written.
+        session->cutLog();
+        return work(*session);
     } catch (const SQLite::Exception& error) {
+        dropIfStuck();
         throwStoreError(error, options.path);
+    } catch (const std::bad_alloc&) {
+        dropIfStuck();
+        throw;
     }
 }
 
 SqliteStore::SqliteStore(SqliteOptions given) : options(std::move(given)) {
-    use([](SqliteSession&) { return 0; });
+    OpenStores::instance().add(*this, deadline());
 }
 
+// What another thread has locked for good, in a child forked meanwhile, is left
+// as it is.
 SqliteStore::~SqliteStore() {
-    const std::lock_guard lock(storeMutex());
-    session.reset();
+    if (!OpenStores::instance().remove(*this)) {
+        static_cast<void>(session.release());
+    }
+}
+
+void SqliteStore::open() {
+    use([](SqliteSession&) { return 0; });
 }
 
 ClientList SqliteStore::registerClient(const Identity& caller) {
@@ -98,16 +120,27 @@ void SqliteStore::consume(const Identity& caller, std::int64_t upto) {
     use([&](SqliteSession& now) { now.consume(caller, upto); });
 }
 
-// The parent's connection was at rest when it was copied, and its locks were
-// not copied. Closing the copy tells SQLite so; it cannot take the write-ahead
-// log away, since that needs a lock that the parent's own connection prevents.
-SqliteSession& SqliteStore::sessionOfThisProcess() {
-    if (!session || process != ::getpid()) {
+Deadline SqliteStore::deadline() const {
+    return std::chrono::steady_clock::now() +
+           std::chrono::milliseconds(options.busyTimeoutMilliseconds);
+}
+
+// Without memory a rollback may fail.
+void SqliteStore::dropIfStuck() noexcept {
+    if (session && !session->isAtRest()) {
         session.reset();
-        session = std::make_unique<SqliteSession>(options);
-        process = ::getpid();
     }
-    return *session;
+}
+
+void SqliteStore::closeNow() noexcept {
+    session.reset();
+}
+
+void SqliteStore::closeTidily() noexcept {
+    if (session) {
+        session->tidyUp();
+        session.reset();
+    }
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -9,18 +10,22 @@
 #include <thread>
 #include <vector>
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/SqliteStore.h"
+#include "emulator/store/StoreError.h"
+#include "tests/emulator/StoppedHolder.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::StoppedHolder;
 using testing::ElementsAre;
 
 namespace {
@@ -196,24 +201,74 @@ TEST_F(SqliteStoreProcesses, ManyMayOpenTheSameNewFileAtTheSameMoment) {
                 ElementsAre("0", "1", "2", "3", "4", "5", "6", "7", "valve"));
 }
 
-TEST_F(SqliteStoreProcesses, TheGateOpensWhenItsHolderIsKilled) {
-    const std::string gate = folder.file("gate");
-    ChildProcess child([&gate] {
-        const GatePassage passage(gate);
-        std::cout << "inside" << std::endl;
-        waitToBeKilled();
+TEST_F(SqliteStoreProcesses, ALargeLogOfAProcessThatWasKilledIsCutByTheNext) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+        store.registerClient(valve);
+    }
+    const std::string large(6 * 1024 * 1024, 'x');
+    ChildProcess child([&] {
+        SqliteStore store(options);
+        store.putEvents(pump, large);
+        std::_Exit(0);
         return 0;
     });
-    ASSERT_TRUE(child.awaitOutput("inside", 10s)) << child.errors();
-    std::atomic<bool> passed = false;
-    std::thread waiter([&] {
-        const GatePassage passage(gate);
-        passed = true;
-    });
-    EXPECT_FALSE(passed);
-    child.kill();
-    waiter.join();
-    EXPECT_TRUE(passed);
+    ASSERT_TRUE(child.awaitEnd(30s));
+    ASSERT_GE(std::filesystem::file_size(options.path + "-wal"), large.size());
+    SqliteStore store(options);
+    EXPECT_TRUE(store.getEvents(valve)->text == large);
+    EXPECT_EQ(std::filesystem::file_size(options.path + "-wal"), 0U);
+}
+
+TEST_F(SqliteStoreProcesses, ALargeLogThatSomebodyReadsIsLeftWithoutAWait) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    SQLite::Database reader(options.path);
+    reader.exec("BEGIN");
+    reader.execAndGet("SELECT count(*) FROM event");
+    const std::string large(6 * 1024 * 1024, 'x');
+    store.putEvents(pump, large);
+    SqliteOptions other = options;
+    other.busyTimeoutMilliseconds = 60000;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(SqliteStore(other).getEvents(valve)->text == large);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
+    EXPECT_GE(std::filesystem::file_size(options.path + "-wal"), large.size());
+}
+
+TEST_F(SqliteStoreProcesses, ALogIsShortAgainAfterALargeEvent) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, std::string(9 * 1024 * 1024, 'x'));
+    store.putEvents(pump, "small");
+    store.putEvents(pump, "small");
+    EXPECT_LE(std::filesystem::file_size(options.path + "-wal"),
+              4U * 1024 * 1024);
+}
+
+TEST_F(SqliteStoreProcesses, AStoppedHolderOfTheGateStopsNoReader) {
+    {
+        SqliteStore store(options);
+        store.registerClient(pump);
+        store.registerClient(valve);
+        store.putEvents(pump, "open");
+    }
+    StoppedHolder holder(options.path + ".gate");
+    SqliteOptions impatient = options;
+    impatient.busyTimeoutMilliseconds = 100;
+    SqliteStore store(impatient);
+    EXPECT_EQ(store.getEvents(valve)->text, "open");
+    EXPECT_THAT(*store.sharedClients(pump), ElementsAre("pump", "valve"));
+    try {
+        store.putEvents(pump, "lost");
+        ADD_FAILURE() << "passed a gate that is closed";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.what(), holder.timeoutText());
+    }
+    EXPECT_EQ(store.getEvents(valve)->text, "open");
 }
 
 TEST_F(SqliteStoreProcesses, AForkedChildOpensTheStoreAnew) {
@@ -247,7 +302,7 @@ TEST_F(SqliteStoreProcesses, AForkedChildHoldsLocksOfItsOwn) {
     store.reset();
     // The child still has the file open, so its log must not be taken away.
     EXPECT_TRUE(std::filesystem::exists(options.path + "-wal"));
-    { SqliteStore visitor(options); }
+    SqliteStore(options).open();
     EXPECT_TRUE(std::filesystem::exists(options.path + "-wal"));
     blocked.reset();
     ASSERT_TRUE(child.awaitEnd(10s));

@@ -1,5 +1,6 @@
 #include "emulator/store/SqliteStore.h"
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -14,9 +15,11 @@
 #include "emulator/store/SqliteFile.h"
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/FailingWrites.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::FailingWrites;
 using testing::ElementsAre;
 
 namespace {
@@ -37,12 +40,16 @@ protected:
     }
 
     std::string refusalToOpen() {
-        return refusal([this] { SqliteStore store(options); });
+        return refusal([this] { SqliteStore(options).open(); });
     }
 
     std::int64_t number(const char* query) {
         SQLite::Database file(options.path);
         return file.execAndGet(query).getInt64();
+    }
+
+    static Deadline soon() {
+        return std::chrono::steady_clock::now() + std::chrono::seconds(10);
     }
 
     OvMemTest::TemporaryFolder folder;
@@ -83,14 +90,14 @@ TEST_F(SqliteStoreTest, ClosingTheLastOneLeavesTheFileAndItsGateAlone) {
 TEST_F(SqliteStoreTest, TheFileIsOpenedAsTheOptionsSay) {
     constexpr int full = 2;
     constexpr int normal = 1;
-    const auto file = openSqliteFile(options);
+    const auto file = openSqliteFile(options, soon());
     EXPECT_EQ(file->execAndGet("PRAGMA journal_mode").getString(), "wal");
     EXPECT_EQ(file->execAndGet("PRAGMA synchronous").getInt(), full);
-    EXPECT_EQ(file->execAndGet("PRAGMA busy_timeout").getInt(), 50);
     options.synchronous = Synchronous::normal;
-    EXPECT_EQ(
-        openSqliteFile(options)->execAndGet("PRAGMA synchronous").getInt(),
-        normal);
+    EXPECT_EQ(openSqliteFile(options, soon())
+                  ->execAndGet("PRAGMA synchronous")
+                  .getInt(),
+              normal);
 }
 
 TEST_F(SqliteStoreTest, TwoStoresOfOneFileAreOneStore) {
@@ -188,7 +195,7 @@ TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
 }
 
 TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
-    { SqliteStore store(options); }
+    SqliteStore(options).open();
     SQLite::Database(options.path, SQLite::OPEN_READWRITE)
         .exec("PRAGMA user_version = 2");
     EXPECT_EQ(refusalToOpen(),
@@ -209,10 +216,10 @@ TEST_F(SqliteStoreTest, AFolderInPlaceOfTheFileIsReported) {
 TEST_F(SqliteStoreTest, AFolderThatIsNotThereIsReported) {
     options.path = folder.file("nowhere/events.db");
     EXPECT_EQ(refusalToOpen(),
-              "The gate file '" + options.path +
-                  ".gate' of the event store cannot be locked (No such file "
-                  "or directory). Make its folder writable, or set "
-                  "OVMEM_STORE to a place that is.");
+              "The event store '" + options.path +
+                  "' cannot be used (unable to open database file). Make the "
+                  "file and its folder readable and writable, or set "
+                  "OVMEM_STORE to another file.");
 }
 
 TEST_F(SqliteStoreTest, ALockOfAnotherProgramTimesOutAndHarmsNothing) {
@@ -223,8 +230,9 @@ TEST_F(SqliteStoreTest, ALockOfAnotherProgramTimesOutAndHarmsNothing) {
     other.exec("BEGIN IMMEDIATE");
     EXPECT_EQ(refusal([&] { store.putEvents(pump, "lost"); }),
               "The event store '" + options.path +
-                  "' is locked by another program (database is locked). Find "
-                  "what keeps it open for writing, then repeat the call.");
+                  "' is locked: another part of this process holds its lock "
+                  "(database is locked). Let that process go on or end it, "
+                  "then repeat the call.");
     EXPECT_EQ(store.getEvents(valve)->text, "");
     other.exec("ROLLBACK");
     store.putEvents(pump, "found");
@@ -242,10 +250,38 @@ TEST_F(SqliteStoreTest, ALockOfAnotherProgramIsWaitedFor) {
     release.join();
 }
 
+TEST_F(SqliteStoreTest, ADiskThatTheLogFillsIsFreedByWritingItBack) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, std::string(100000, 'x'));
+    {
+        const FailingWrites full(ENOSPC, options.path + "-wal", 100000);
+        store.putEvents(pump, "found room");
+    }
+    EXPECT_EQ(store.getEvents(valve)->text,
+              std::string(100000, 'x') + "found room");
+}
+
+TEST_F(SqliteStoreTest, ADiskThatIsFullAllTheSameIsReportedAndHarmsNothing) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    {
+        const FailingWrites full(ENOSPC, options.path + "-wal", 0);
+        EXPECT_EQ(refusal([&] { store.putEvents(pump, "lost"); }),
+                  "The event store '" + options.path +
+                      "' has no room left (database or disk is full). Free "
+                      "space on its disk, then repeat the call.");
+    }
+    store.putEvents(pump, "found");
+    EXPECT_EQ(store.getEvents(valve)->text, "found");
+}
+
 TEST_F(SqliteStoreTest, TheTimeBeforeACallIsTakenOffItsWaiting) {
     using std::chrono::steady_clock;
     options.busyTimeoutMilliseconds = 60000;
-    SqliteSession session(options);
+    SqliteSession session(options, soon());
     SQLite::Database other(options.path, SQLite::OPEN_READWRITE);
     other.exec("BEGIN IMMEDIATE");
     const auto start = steady_clock::now();

@@ -118,6 +118,7 @@ TEST(StoreUrl, OpeningMakesTheStoreOfItsKindAndTheFoldersAboveIt) {
     EXPECT_NE(dynamic_cast<MemoryStore*>(memory.get()), nullptr);
     const auto sqlite = openStore("sqlite:" + folder.file("a/b/events.db"));
     EXPECT_NE(dynamic_cast<SqliteStore*>(sqlite.get()), nullptr);
+    sqlite->open();
     EXPECT_TRUE(std::filesystem::exists(folder.file("a/b/events.db")));
 }
 
