@@ -89,6 +89,13 @@ void requireOurs(SQLite::Database& database, const std::string& path) {
     }
 }
 
+// SQLite opens for reading alone what it cannot open for writing.
+void requireWritable(SQLite::Database& database) {
+    if (::sqlite3_db_readonly(database.getHandle(), "main") == 1) {
+        throw SQLite::Exception("the file can only be read", SQLITE_CANTOPEN);
+    }
+}
+
 // The log comes before the tables, so that whoever sees the tables can count on
 // the log.
 void makeStore(SQLite::Database& database, const SqliteOptions& options,
@@ -110,6 +117,7 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
         options.path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
         millisecondsUntil(deadline));
     keepLogAtClose(*database, true);
+    requireWritable(*database);
     if (isEmpty(*database) || !hasLog(*database)) {
         makeStore(*database, options, deadline);
     } else {

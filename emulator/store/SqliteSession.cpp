@@ -81,6 +81,10 @@ bool SqliteSession::isAtRest() const noexcept {
     return ::sqlite3_get_autocommit(database->getHandle()) != 0;
 }
 
+int SqliteSession::systemError() const noexcept {
+    return ::sqlite3_system_errno(database->getHandle());
+}
+
 ClientList SqliteSession::registerClient(const Identity& caller) {
     Write write(*this);
     std::optional<Member> now = member(caller);

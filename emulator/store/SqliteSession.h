@@ -54,6 +54,9 @@ public:
     // more use.
     bool isAtRest() const noexcept;
 
+    // The errno of SQLite's last system call that failed.
+    int systemError() const noexcept;
+
     ClientList registerClient(const Identity& caller) override;
     ClientList unregisterClient(const Identity& caller) override;
     ClientList sharedClients(const Identity& caller) override;

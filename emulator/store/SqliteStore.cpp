@@ -2,50 +2,15 @@
 
 #include <chrono>
 #include <new>
-#include <string>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
-#include "emulator/store/LockHolder.h"
+#include "emulator/store/SqliteFailure.h"
 #include "emulator/store/SqliteSession.h"
-#include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
-
-namespace {
-
-[[noreturn]] void throwStoreError(const SQLite::Exception& error,
-                                  const std::string& path) {
-    const std::string store = "The event store '" + path + "' ";
-    const std::string reason = " (" + std::string(error.what()) + "). ";
-    switch (error.getErrorCode()) {
-        case SQLITE_NOMEM:
-            throw std::bad_alloc();
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            throw StoreError(
-                store +
-                "is locked: " + describeLockHolder({path + "-shm", path}) +
-                " holds its lock" + reason +
-                "Let that process go on or end it, then repeat the call.");
-        case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
-            throw StoreError(store + "is damaged or not a store" + reason +
-                             "Move the file away, or set OVMEM_STORE to "
-                             "another one.");
-        case SQLITE_FULL:
-            throw StoreError(store + "has no room left" + reason +
-                             "Free space on its disk, then repeat the call.");
-        default:
-            throw StoreError(store + "cannot be used" + reason +
-                             "Make the file and its folder readable and "
-                             "writable, or set OVMEM_STORE to another file.");
-    }
-}
-
-}  // namespace
 
 // One deadline for all that a call waits for: the other threads of this
 // process, the gate, and the locks of other programs.
@@ -53,27 +18,24 @@ template <typename Work>
 auto SqliteStore::use(Work work) {
     const Deadline limit = deadline();
     const auto lock = OpenStores::instance().lockUntil(limit);
-    try {
-        if (!session) {
-            session = std::make_unique<SqliteSession>(options, limit);
-        }
-        session->waitUntil(limit);
+    for (bool again = false;; again = true) {
         try {
+            if (!session) {
+                session = std::make_unique<SqliteSession>(options, limit);
+            }
+            session->waitUntil(limit);
             return work(*session);
         } catch (const SQLite::Exception& error) {
-            if (error.getErrorCode() != SQLITE_FULL || !session->isAtRest()) {
-                throw;
+            const int systemError = session ? session->systemError() : 0;
+            dropIfStuck();
+            const bool late = std::chrono::steady_clock::now() >= limit;
+            if (again || !recoverFrom(error.getErrorCode()) || late) {
+                throwSqliteFailure(error, options.path, systemError);
             }
+        } catch (const std::bad_alloc&) {
+            dropIfStuck();
+            throw;
         }
-        // The log may be what fills the disk. Nothing was written.
-        session->cutLog();
-        return work(*session);
-    } catch (const SQLite::Exception& error) {
-        dropIfStuck();
-        throwStoreError(error, options.path);
-    } catch (const std::bad_alloc&) {
-        dropIfStuck();
-        throw;
     }
 }
 
@@ -123,6 +85,31 @@ void SqliteStore::consume(const Identity& caller, std::int64_t upto) {
 Deadline SqliteStore::deadline() const {
     return std::chrono::steady_clock::now() +
            std::chrono::milliseconds(options.busyTimeoutMilliseconds);
+}
+
+// A transaction that failed left nothing behind, so it can be run again.
+bool SqliteStore::recoverFrom(int sqliteError) {
+    switch (sqliteError) {
+        case SQLITE_FULL:
+            // The log may be what fills the disk.
+            if (session) {
+                session->cutLog();
+            }
+            return true;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+        case SQLITE_PROTOCOL:
+            // A read that failed once looks like damage. Look again, with
+            // nothing remembered.
+            session.reset();
+            return true;
+        case SQLITE_IOERR:
+            // The connection may have lost count of its locks.
+            session.reset();
+            return false;
+        default:
+            return false;
+    }
 }
 
 // Without memory a rollback may fail.

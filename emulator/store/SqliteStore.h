@@ -44,6 +44,10 @@ private:
 
     Deadline deadline() const;
     void dropIfStuck() noexcept;
+
+    // True if it is worth while to try once more.
+    bool recoverFrom(int sqliteError);
+
     void closeNow() noexcept override;
     void closeTidily() noexcept override;
 

@@ -208,7 +208,8 @@ TEST_F(SqliteStoreTest, AFolderInPlaceOfTheFileIsReported) {
     std::filesystem::create_directory(options.path);
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
-                  "' cannot be used (unable to open database file). Make the "
+                  "' cannot be used (unable to open database file: Is a "
+                  "directory). Make the "
                   "file and its folder readable and writable, or set "
                   "OVMEM_STORE to another file.");
 }
@@ -217,7 +218,8 @@ TEST_F(SqliteStoreTest, AFolderThatIsNotThereIsReported) {
     options.path = folder.file("nowhere/events.db");
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
-                  "' cannot be used (unable to open database file). Make the "
+                  "' cannot be used (unable to open database file: No such "
+                  "file or directory). Make the "
                   "file and its folder readable and writable, or set "
                   "OVMEM_STORE to another file.");
 }
