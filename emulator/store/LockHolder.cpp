@@ -49,7 +49,8 @@ Lock parse(const std::string& line) {
     if (words >> number >> kind >> strength >> access >> lock.process >>
         where) {
         unsigned long long inode = 0;
-        lock.held = kind != "->" && access != "READ" &&
+        // A lock of an open file, as the gate's queue has them, has no process.
+        lock.held = kind != "->" && lock.process > 0 && access != "READ" &&
                     std::sscanf(where.c_str(), "%x:%x:%llu", &lock.file.major,
                                 &lock.file.minor, &inode) == 3;
         lock.file.inode = inode;
