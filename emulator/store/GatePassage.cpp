@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "emulator/store/LockHolder.h"
@@ -21,7 +22,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr mode_t fileMode = 0666;  // less the umask, as the store itself
+constexpr mode_t fileMode = 0600;
 
 // After so long a waiter no longer counts on the one who is next.
 constexpr auto patience = 100ms;
@@ -128,19 +129,35 @@ private:
         static_cast<Clock::rep>(std::hash<pid_t>()(::getpid()) << 8U));
 };
 
+// True if `path` is still the name of `file`.
+bool closeUnlessNamed(int file, const std::string& path) {
+    struct stat opened {};
+    struct stat named {};
+    if (::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+        opened.st_ino == named.st_ino && opened.st_dev == named.st_dev) {
+        return true;
+    }
+    ::close(file);
+    return false;
+}
+
 }  // namespace
 
-GatePassage::GatePassage(const std::string& path, Deadline deadline)
-    : file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, fileMode)) {
-    if (file < 0) {
-        throw gateError(path, errno);
-    }
-    try {
-        Waiter(file, path, deadline).wait();
-    } catch (...) {
-        ::close(file);
-        throw;
-    }
+// Somebody may have removed the file meanwhile; its lock is then worth nothing.
+GatePassage::GatePassage(const std::string& path, Deadline deadline) {
+    do {
+        file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
+                      fileMode);
+        if (file < 0) {
+            throw gateError(path, errno);
+        }
+        try {
+            Waiter(file, path, deadline).wait();
+        } catch (...) {
+            ::close(file);
+            throw;
+        }
+    } while (!closeUnlessNamed(file, path));
 }
 
 GatePassage::~GatePassage() {

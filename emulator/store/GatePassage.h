@@ -35,7 +35,7 @@ public:
     ~GatePassage();
 
 private:
-    int file;
+    int file = -1;
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

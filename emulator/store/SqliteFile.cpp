@@ -12,6 +12,7 @@
 
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/StoreError.h"
+#include "emulator/store/StoreFiles.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -100,21 +101,45 @@ void requireWritable(SQLite::Database& database) {
 // the log.
 void makeStore(SQLite::Database& database, const SqliteOptions& options,
                Deadline deadline) {
-    const GatePassage passage(options.path + ".gate", deadline);
+    const StoreFiles files(options);
+    const GatePassage passage(files.gate(), deadline);
     if (isEmpty(database)) {
+        if (files.isRemembered()) {
+            throw StoreError("The event store '" + options.path +
+                             "' has been emptied, and its gate '" +
+                             files.gate() +
+                             "' is still there. Put the store back, or remove "
+                             "the gate to begin with an empty one.");
+        }
         requireLog(database, options.path);
         createSchema(database);
+        files.rememberInGate();
     }
     requireOurs(database, options.path);
     requireLog(database, options.path);
+}
+
+// A folder may be reached through links, the file itself may not.
+std::string withoutLinks(const std::string& path) {
+    const std::filesystem::path file(path);
+    std::error_code error;
+    const auto folder = std::filesystem::canonical(file.parent_path(), error);
+    return error ? path : (folder / file.filename()).string();
 }
 
 }  // namespace
 
 std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
                                                  Deadline deadline) {
+    const StoreFiles files(options);
+    if (!files.exist()) {
+        files.makePlace();
+        const GatePassage passage(files.gate(), deadline);
+        files.makeDatabase();
+    }
     auto database = std::make_unique<SQLite::Database>(
-        options.path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
+        withoutLinks(options.path),
+        SQLite::OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW,
         millisecondsUntil(deadline));
     keepLogAtClose(*database, true);
     requireWritable(*database);

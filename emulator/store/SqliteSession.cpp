@@ -33,6 +33,7 @@ class SqliteSession::Write {
 public:
     explicit Write(SqliteSession& session)
         : passage(session.gate, session.deadline) {
+        session.requireSameFiles();
         session.setBusyTimeout();
         transaction.emplace(session.statements->transaction,
                             SqliteTransaction::Kind::write);
@@ -46,11 +47,12 @@ private:
 };
 
 SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
-    : path(options.path),
-      gate(options.path + ".gate"),
+    : files(options),
+      gate(files.gate()),
       deadline(limit),
       database(openSqliteFile(options, limit)),
-      statements(std::make_unique<SqliteStatements>(*database)) {}
+      statements(std::make_unique<SqliteStatements>(*database)),
+      opened(files.snapshot()) {}
 
 SqliteSession::~SqliteSession() = default;
 
@@ -69,7 +71,7 @@ void SqliteSession::tidyUp() noexcept {
 }
 
 void SqliteSession::cutLog() {
-    Emulator::cutLog(*database, path, 0, deadline);
+    Emulator::cutLog(*database, files.database(), 0, deadline);
 }
 
 void SqliteSession::waitUntil(Deadline limit) {
@@ -174,6 +176,20 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
         trim(now->server);
     }
     write.commit();
+}
+
+// What is only in a log that has lost its name goes into the database, as long
+// as that has not.
+void SqliteSession::requireSameFiles() {
+    const StoreFiles::Snapshot now = files.snapshot();
+    if (now == opened) {
+        return;
+    }
+    if (now.database == opened.database) {
+        database->setBusyTimeout(0);
+        database->tryExec("PRAGMA wal_checkpoint(PASSIVE)");
+    }
+    throw FilesReplaced();
 }
 
 void SqliteSession::setBusyTimeout() {

@@ -10,6 +10,7 @@
 #include "emulator/store/EventStore.h"
 #include "emulator/store/ForkLock.h"
 #include "emulator/store/SqliteOptions.h"
+#include "emulator/store/StoreFiles.h"
 
 namespace SQLite {
 class Database;
@@ -18,6 +19,8 @@ class Database;
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 struct SqliteStatements;
+
+struct FilesReplaced {};
 
 // One process's open connection to a store in a SQLite file.
 //
@@ -28,7 +31,9 @@ struct SqliteStatements;
 // moved on; so a put costs the same however many clients there are.
 //
 // Threads: one at a time. It must not cross a fork.
-// THROWS: StoreError, and SQLite::Exception as it comes.
+// THROWS: StoreError, and SQLite::Exception as it comes. Writing throws
+// FilesReplaced if another file bears the name of one that is open; nothing was
+// written then, and the session is of no more use.
 class SqliteSession : public EventStore {
 public:
     // Opens the file, and makes it a store if it is new.
@@ -78,6 +83,7 @@ private:
     };
     class Write;
 
+    void requireSameFiles();
     std::optional<Member> member(const Identity& caller);
     ClientList clientsOf(std::int64_t server, std::int64_t epoch);
     void setBusyTimeout();
@@ -87,12 +93,13 @@ private:
                      std::int64_t number);
     void trim(std::int64_t server);
 
-    const std::string path;
+    const StoreFiles files;
     const std::string gate;
     Deadline deadline;
     std::unique_ptr<SQLite::Database> database;
     std::unique_ptr<SqliteStatements> statements;  // end before the database
-    std::map<std::int64_t, CachedList> lists;      // by server
+    StoreFiles::Snapshot opened;
+    std::map<std::int64_t, CachedList> lists;  // by server
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

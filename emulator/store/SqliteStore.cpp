@@ -9,17 +9,23 @@
 
 #include "emulator/store/SqliteFailure.h"
 #include "emulator/store/SqliteSession.h"
+#include "emulator/store/StoreError.h"
+#include "emulator/store/StoreFiles.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // One deadline for all that a call waits for: the other threads of this
 // process, the gate, and the locks of other programs.
 template <typename Work>
-auto SqliteStore::use(Work work) {
+auto SqliteStore::use(Work work, IfAbsent ifAbsent) {
     const Deadline limit = deadline();
     const auto lock = OpenStores::instance().lockUntil(limit);
     for (bool again = false;; again = true) {
         try {
+            if (!session && ifAbsent == IfAbsent::nothing &&
+                !StoreFiles(options).exist()) {
+                return decltype(work(*session))();
+            }
             if (!session) {
                 session = std::make_unique<SqliteSession>(options, limit);
             }
@@ -31,6 +37,14 @@ auto SqliteStore::use(Work work) {
             const bool late = std::chrono::steady_clock::now() >= limit;
             if (again || !recoverFrom(error.getErrorCode()) || late) {
                 throwSqliteFailure(error, options.path, systemError);
+            }
+        } catch (const FilesReplaced&) {
+            session.reset();
+            if (again) {
+                throw StoreError("The files of the event store '" +
+                                 options.path +
+                                 "' are being replaced. Repeat the call when "
+                                 "that is over.");
             }
         } catch (const std::bad_alloc&) {
             dropIfStuck();
@@ -51,12 +65,16 @@ SqliteStore::~SqliteStore() {
     }
 }
 
+// A store is made by the first registration.
 void SqliteStore::open() {
-    use([](SqliteSession&) { return 0; });
+    if (!use([](SqliteSession&) { return true; })) {
+        StoreFiles(options).requirePlace();
+    }
 }
 
 ClientList SqliteStore::registerClient(const Identity& caller) {
-    return use([&](SqliteSession& now) { return now.registerClient(caller); });
+    return use([&](SqliteSession& now) { return now.registerClient(caller); },
+               IfAbsent::make);
 }
 
 ClientList SqliteStore::unregisterClient(const Identity& caller) {

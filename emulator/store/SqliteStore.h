@@ -25,6 +25,8 @@ public:
     explicit SqliteStore(SqliteOptions options);
     ~SqliteStore() override;
 
+    // A store that is not there is not made, but the place is looked at.
+    //
     // THROWS: StoreError when the file cannot be opened or is not a store.
     void open() override;
 
@@ -37,10 +39,13 @@ public:
     void consume(const Identity& caller, std::int64_t upto) override;
 
 private:
+    enum class IfAbsent { nothing, make };
+
     // Runs `work` with the session of this process, and lets out nothing but
-    // StoreError and std::bad_alloc.
+    // StoreError and std::bad_alloc. Where there is no store, and none is to be
+    // made, the result is one without a value.
     template <typename Work>
-    auto use(Work work);
+    auto use(Work work, IfAbsent ifAbsent = IfAbsent::nothing);
 
     Deadline deadline() const;
     void dropIfStuck() noexcept;
