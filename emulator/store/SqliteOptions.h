@@ -1,7 +1,10 @@
 #ifndef EMULATOR_STORE_SQLITEOPTIONS_H
 #define EMULATOR_STORE_SQLITEOPTIONS_H
 
+#include <cstddef>
 #include <string>
+
+#include "emulator/store/EventStore.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -22,6 +25,7 @@ struct SqliteOptions {
     Synchronous synchronous = Synchronous::full;
     int busyTimeoutMilliseconds = 10000;  // then the store timed out
     Access access = Access::owner;
+    std::size_t portion = portionBytes;  // of one get
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

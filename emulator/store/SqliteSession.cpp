@@ -1,5 +1,6 @@
 #include "emulator/store/SqliteSession.h"
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 #include <utility>
@@ -49,6 +50,7 @@ private:
 SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
     : files(options),
       gate(files.gate()),
+      portion(options.portion),
       deadline(limit),
       database(openSqliteFile(options, limit)),
       statements(std::make_unique<SqliteStatements>(*database)),
@@ -162,8 +164,20 @@ std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
     events.upto = now->next - 1;
     SqliteRun run(statements->pending, now->server, now->cursor, events.upto,
                   caller.clientId);
+    std::int64_t last = now->cursor;
     while (run.step()) {
-        events.text += run.bytes(0);
+        const std::string_view body = run.bytes(0);
+        const std::size_t total = events.text.size() + body.size();
+        if (!events.text.empty() && total > portion) {
+            events.upto = last;
+            break;
+        }
+        // Doubling could take twice the portion.
+        if (total > events.text.capacity()) {
+            events.text.reserve(std::max(total, std::min(2 * total, portion)));
+        }
+        events.text += body;
+        last = run.integer(1);
     }
     return events;
 }

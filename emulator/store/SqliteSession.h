@@ -1,6 +1,7 @@
 #ifndef EMULATOR_STORE_SQLITESESSION_H
 #define EMULATOR_STORE_SQLITESESSION_H
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -95,6 +96,7 @@ private:
 
     const StoreFiles files;
     const std::string gate;
+    const std::size_t portion;
     Deadline deadline;
     std::unique_ptr<SQLite::Database> database;
     std::unique_ptr<SqliteStatements> statements;  // end before the database
