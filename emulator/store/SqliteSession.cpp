@@ -18,9 +18,14 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 
 namespace {
 
-// More than a put adds, so that a backlog shrinks; few enough that nobody
-// waits long at the gate.
-constexpr std::int64_t trimmedAtOnce = 32;
+// More than a put adds, so that a backlog shrinks; few enough that a put takes
+// no longer for it.
+constexpr std::int64_t trimmedByAPut = 32;
+
+// What other writes remove: a thousand events, and more while the time lasts,
+// so that nobody waits long at the gate.
+constexpr std::int64_t trimmedAtOnce = 1000;
+constexpr std::chrono::milliseconds trimLimit{20};
 
 constexpr std::size_t cachedLists = 256;
 
@@ -98,6 +103,7 @@ ClientList SqliteSession::registerClient(const Identity& caller) {
             .exec();
         SqliteRun(statements->raiseEpoch, caller.serverId).exec();
         now = member(caller);
+        trimDeserted();
     }
     ClientList clients = clientsOf(now->server, now->epoch);
     write.commit();
@@ -114,6 +120,7 @@ ClientList SqliteSession::unregisterClient(const Identity& caller) {
     SqliteRun(statements->removeClient, before->server, caller.clientId).exec();
     SqliteRun(statements->raiseEpoch, caller.serverId).exec();
     trim(before->server);
+    trimDeserted();
     ClientList clients = clientsOf(before->server, before->epoch + 1);
     write.commit();
     remember(before->server, before->epoch + 1, clients);
@@ -146,7 +153,7 @@ ClientList SqliteSession::putEvents(const Identity& caller,
             .exec();
         SqliteRun(statements->takeNumber, sender->server).exec();
         stepOverOwn(*sender, caller.clientId, sender->next);
-        trim(sender->server);
+        SqliteRun(statements->trim, sender->server, trimmedByAPut).exec();
     }
     write.commit();
     remember(sender->server, sender->epoch, clients);
@@ -258,7 +265,27 @@ void SqliteSession::stepOverOwn(const Member& sender,
 }
 
 void SqliteSession::trim(std::int64_t server) {
-    SqliteRun(statements->trim, server, trimmedAtOnce).exec();
+    const auto end = std::chrono::steady_clock::now() + trimLimit;
+    int removed = 0;
+    do {
+        SqliteRun run(statements->trim, server, trimmedAtOnce);
+        removed = run.exec();
+    } while (removed == trimmedAtOnce &&
+             std::chrono::steady_clock::now() < end);
+}
+
+// What a server's last client left behind and its own writes did not remove.
+void SqliteSession::trimDeserted() {
+    std::optional<std::int64_t> server;
+    {
+        SqliteRun run(statements->deserted);
+        if (run.step()) {
+            server = run.integer(0);
+        }
+    }
+    if (server) {
+        trim(*server);
+    }
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -93,6 +93,7 @@ private:
     void stepOverOwn(const Member& sender, const std::string& clientId,
                      std::int64_t number);
     void trim(std::int64_t server);
+    void trimDeserted();
 
     const StoreFiles files;
     const std::string gate;

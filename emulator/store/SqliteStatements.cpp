@@ -39,7 +39,11 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
            "DELETE FROM event WHERE rowid IN (SELECT rowid FROM event "
            "WHERE server = ?1 AND number <= ifnull("
            "(SELECT min(cursor) FROM client WHERE server = ?1), "
-           "9223372036854775807) ORDER BY number LIMIT ?2)") {}
+           "9223372036854775807) ORDER BY number LIMIT ?2)"),
+      deserted(database,
+               "SELECT id FROM server WHERE "
+               "NOT EXISTS (SELECT 1 FROM client WHERE server = id) AND "
+               "EXISTS (SELECT 1 FROM event WHERE server = id) LIMIT 1") {}
 
 std::int64_t SqliteRun::integer(int column) const {
     return statement.getColumn(column).getInt64();

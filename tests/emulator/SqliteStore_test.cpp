@@ -48,6 +48,20 @@ protected:
         return file.execAndGet(query).getInt64();
     }
 
+    // As many events, which pump and valve have consumed.
+    void fillWithConsumed(int count) {
+        SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+        SQLite::Transaction transaction(file);
+        file.exec(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
+            "FROM n WHERE i < " +
+            std::to_string(count) +
+            ") INSERT INTO event SELECT 1, i, x'', 'tick' FROM n");
+        file.exec("UPDATE server SET next = " + std::to_string(count + 1));
+        file.exec("UPDATE client SET cursor = " + std::to_string(count));
+        transaction.commit();
+    }
+
     static Deadline soon() {
         return std::chrono::steady_clock::now() + std::chrono::seconds(10);
     }
@@ -127,7 +141,7 @@ TEST_F(SqliteStoreTest, AListIsKeptForAsLongAsTheEpochStays) {
     EXPECT_EQ(first.putEvents({"plant", "0"}, "d"), fewer);
 }
 
-TEST_F(SqliteStoreTest, ATrimRemovesAFewEventsAtATime) {
+TEST_F(SqliteStoreTest, APutRemovesAFewOfTheEventsThatAllHaveConsumed) {
     SqliteStore store(options);
     store.registerClient(pump);
     store.registerClient(valve);
@@ -135,14 +149,44 @@ TEST_F(SqliteStoreTest, ATrimRemovesAFewEventsAtATime) {
         store.putEvents(pump, "tick");
     }
     EXPECT_EQ(number("SELECT count(*) FROM event"), 100);
-    store.consume(valve, 100);
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 68);
+    SQLite::Database(options.path, SQLite::OPEN_READWRITE)
+        .exec("UPDATE client SET cursor = 100");
     store.putEvents(pump, "tick");
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 37);
-    store.consume(valve, 101);
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 5);
-    store.unregisterClient(valve);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 69);
+    store.putEvents(pump, "tick");
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 38);
+    store.consume(valve, 102);
     EXPECT_EQ(number("SELECT count(*) FROM event"), 0);
+}
+
+TEST_F(SqliteStoreTest, AHundredThousandConsumedEventsAreGoneAfterAFewGets) {
+    options.synchronous = Synchronous::normal;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    fillWithConsumed(100000);
+    int gets = 0;
+    for (; number("SELECT count(*) FROM event") > 0 && gets < 101; ++gets) {
+        store.consume(valve, 100000);
+    }
+    EXPECT_LE(gets, 100);
+}
+
+TEST_F(SqliteStoreTest, AServerWithoutClientsKeepsNoEvents) {
+    options.synchronous = Synchronous::normal;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    fillWithConsumed(100000);
+    store.unregisterClient(pump);
+    store.unregisterClient(valve);
+    // The rest goes with what clients of other servers do.
+    int commands = 0;
+    for (; number("SELECT count(*) FROM event") > 0 && commands < 101;
+         ++commands) {
+        store.registerClient({"office", std::to_string(commands)});
+    }
+    EXPECT_LE(commands, 100);
 }
 
 TEST_F(SqliteStoreTest, NumbersGoOnAfterTheLastClientHasLeft) {
