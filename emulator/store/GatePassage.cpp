@@ -129,12 +129,10 @@ private:
         static_cast<Clock::rep>(std::hash<pid_t>()(::getpid()) << 8U));
 };
 
-// True if `path` is still the name of `file`.
-bool closeUnlessNamed(int file, const std::string& path) {
-    struct stat opened {};
-    struct stat named {};
-    if (::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-        opened.st_ino == named.st_ino && opened.st_dev == named.st_dev) {
+// True if `file` still has a name.
+bool closeUnlessNamed(int file) {
+    struct stat status {};
+    if (::fstat(file, &status) == 0 && status.st_nlink > 0) {
         return true;
     }
     ::close(file);
@@ -157,7 +155,7 @@ GatePassage::GatePassage(const std::string& path, Deadline deadline) {
             ::close(file);
             throw;
         }
-    } while (!closeUnlessNamed(file, path));
+    } while (!closeUnlessNamed(file));
 }
 
 GatePassage::~GatePassage() {

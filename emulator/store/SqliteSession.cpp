@@ -22,10 +22,14 @@ namespace {
 // no longer for it.
 constexpr std::int64_t trimmedByAPut = 32;
 
-// What other writes remove: a thousand events, and more while the time lasts,
+// What other writes remove: some hundred events, and more while the time lasts,
 // so that nobody waits long at the gate.
-constexpr std::int64_t trimmedAtOnce = 1000;
+constexpr std::int64_t trimmedAtOnce = 500;
 constexpr std::chrono::milliseconds trimLimit{20};
+
+// Whoever consumes more than this at once leaves the rest to those who come
+// later: a large get has taken its time already.
+constexpr std::int64_t consumedAtOnce = 1000;
 
 constexpr std::size_t cachedLists = 256;
 
@@ -194,7 +198,11 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
     if (const std::optional<Member> now = member(caller)) {
         SqliteRun(statements->moveCursor, now->server, caller.clientId, upto)
             .exec();
-        trim(now->server);
+        if (upto - now->cursor > consumedAtOnce) {
+            SqliteRun(statements->trim, now->server, trimmedAtOnce).exec();
+        } else {
+            trim(now->server);
+        }
     }
     write.commit();
 }
