@@ -1,7 +1,9 @@
 #include "emulator/store/SqliteFile.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -19,32 +21,34 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 namespace {
 
 constexpr int applicationId = 0x4F764D45;  // "OvME"
-constexpr int schemaVersion = 1;
+constexpr int schemaVersion = 2;
 
 constexpr std::uintmax_t largestLog = 4 * 1024 * 1024;  // bytes
 constexpr std::chrono::seconds cutLimit{1};
 
 // The sender stands before the body, so that looking for the events of others
 // does not walk through bodies. The row id of an event has no meaning.
-constexpr const char* schema = R"(
-CREATE TABLE server (
+//
+// Word for word as the database keeps them.
+constexpr std::array<const char*, 4> schema{
+    R"(CREATE TABLE server (
     id INTEGER PRIMARY KEY,
     name BLOB NOT NULL UNIQUE,
     next INTEGER NOT NULL,
-    epoch INTEGER NOT NULL);
-CREATE TABLE client (
+    epoch INTEGER NOT NULL))",
+    R"(CREATE TABLE client (
     server INTEGER NOT NULL,
     name BLOB NOT NULL,
     cursor INTEGER NOT NULL,
-    PRIMARY KEY (server, name)) WITHOUT ROWID;
-CREATE INDEX client_cursor ON client (server, cursor);
-CREATE TABLE event (
+    PRIMARY KEY (server, name)) WITHOUT ROWID)",
+    "CREATE INDEX client_cursor ON client (server, cursor)",
+    R"(CREATE TABLE event (
     server INTEGER NOT NULL,
     number INTEGER NOT NULL,
     sender BLOB NOT NULL,
+    checksum INTEGER NOT NULL,
     body BLOB NOT NULL,
-    PRIMARY KEY (server, number));
-)";
+    PRIMARY KEY (server, number)))"};
 
 int integer(SQLite::Database& database, const char* query) {
     return database.execAndGet(query).getInt();
@@ -53,7 +57,9 @@ int integer(SQLite::Database& database, const char* query) {
 // A server is never removed, so numbers never begin at 1 under an old cursor.
 void createSchema(SQLite::Database& database) {
     SQLite::Transaction transaction(database);
-    database.exec(schema);
+    for (const char* object : schema) {
+        database.exec(object);
+    }
     database.exec("PRAGMA application_id = " + std::to_string(applicationId));
     database.exec("PRAGMA user_version = " + std::to_string(schemaVersion));
     transaction.commit();
@@ -77,6 +83,21 @@ void requireLog(SQLite::Database& database, const std::string& path) {
     }
 }
 
+// All that has a text: not the indexes that belong to a table.
+bool hasSchema(SQLite::Database& database) {
+    SQLite::Statement objects(
+        database, "SELECT sql FROM sqlite_master WHERE sql NOT NULL");
+    std::size_t known = 0;
+    while (objects.executeStep()) {
+        const std::string text = objects.getColumn(0).getString();
+        if (std::find(schema.begin(), schema.end(), text) == schema.end()) {
+            return false;
+        }
+        ++known;
+    }
+    return known == schema.size();
+}
+
 void requireOurs(SQLite::Database& database, const std::string& path) {
     if (integer(database, "PRAGMA application_id") != applicationId) {
         throw StoreError("The file '" + path +
@@ -87,6 +108,12 @@ void requireOurs(SQLite::Database& database, const std::string& path) {
         throw StoreError("The event store '" + path +
                          "' was written by another version. Use that version, "
                          "or set OVMEM_STORE to a new file.");
+    }
+    if (!hasSchema(database)) {
+        throw StoreError("The event store '" + path +
+                         "' holds tables, views or triggers that are not its "
+                         "own, or lacks some that are. Set OVMEM_STORE to a "
+                         "file that no other program changes.");
     }
 }
 

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <chrono>
 #include <new>
+#include <string>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include "emulator/store/EventChecksum.h"
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/SqliteFile.h"
 #include "emulator/store/SqliteStatements.h"
@@ -153,7 +155,10 @@ ClientList SqliteSession::putEvents(const Identity& caller,
     ClientList clients = clientsOf(sender->server, sender->epoch);
     if (!events.empty() && clients->size() > 1) {
         SqliteRun(statements->addEvent, sender->server, sender->next,
-                  caller.clientId, events)
+                  caller.clientId,
+                  eventChecksum(sender->server, sender->next, caller.clientId,
+                                events),
+                  events)
             .exec();
         SqliteRun(statements->takeNumber, sender->server).exec();
         stepOverOwn(*sender, caller.clientId, sender->next);
@@ -183,12 +188,22 @@ std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
             events.upto = last;
             break;
         }
+        const std::int64_t number = run.integer(1);
+        if (eventChecksum(now->server, number, run.bytes(2), body) !=
+            run.integer(3)) {
+            throw StoreError(
+                "Event " + std::to_string(number) + " of the event store '" +
+                files.database() +
+                "' is not what was put: the file is damaged. Check the disk. "
+                "To go on without what is queued, unregister the client and "
+                "register it again.");
+        }
         // Doubling could take twice the portion.
         if (total > events.text.capacity()) {
             events.text.reserve(std::max(total, std::min(2 * total, portion)));
         }
         events.text += body;
-        last = run.integer(1);
+        last = number;
     }
     return events;
 }

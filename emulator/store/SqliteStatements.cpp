@@ -21,8 +21,8 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
       clients(database,
               "SELECT name FROM client WHERE server = ?1 ORDER BY name"),
       addEvent(database,
-               "INSERT INTO event (server, number, sender, body) "
-               "VALUES (?1, ?2, ?3, ?4)"),
+               "INSERT INTO event (server, number, sender, checksum, body) "
+               "VALUES (?1, ?2, ?3, ?4, ?5)"),
       takeNumber(database, "UPDATE server SET next = next + 1 WHERE id = ?1"),
       firstOfOthers(database,
                     "SELECT number FROM event "
@@ -32,7 +32,7 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
                  "UPDATE client SET cursor = ?3 "
                  "WHERE server = ?1 AND name = ?2 AND cursor < ?3"),
       pending(database,
-              "SELECT body, number FROM event "
+              "SELECT body, number, sender, checksum FROM event "
               "WHERE server = ?1 AND number > ?2 AND number <= ?3 "
               "AND sender <> ?4 ORDER BY number"),
       trim(database,

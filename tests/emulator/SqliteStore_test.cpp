@@ -56,7 +56,7 @@ protected:
             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
             "FROM n WHERE i < " +
             std::to_string(count) +
-            ") INSERT INTO event SELECT 1, i, x'', 'tick' FROM n");
+            ") INSERT INTO event SELECT 1, i, x'', 0, 'tick' FROM n");
         file.exec("UPDATE server SET next = " + std::to_string(count + 1));
         file.exec("UPDATE client SET cursor = " + std::to_string(count));
         transaction.commit();
@@ -241,11 +241,61 @@ TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
 TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
     SqliteStore(options).registerClient(pump);
     SQLite::Database(options.path, SQLite::OPEN_READWRITE)
-        .exec("PRAGMA user_version = 2");
+        .exec("PRAGMA user_version = 3");
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
                   "' was written by another version. Use that version, or set "
                   "OVMEM_STORE to a new file.");
+}
+
+TEST_F(SqliteStoreTest, AStoreWithTriggersOfAnotherProgramIsRefused) {
+    SqliteStore(options).registerClient(pump);
+    SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+    const std::string text =
+        "The event store '" + options.path +
+        "' holds tables, views or triggers that are not its own, or lacks "
+        "some that are. Set OVMEM_STORE to a file that no other program "
+        "changes.";
+    file.exec(
+        "CREATE TRIGGER spy AFTER INSERT ON event "
+        "BEGIN DELETE FROM event; END");
+    EXPECT_EQ(refusalToOpen(), text);
+    file.exec("DROP TRIGGER spy");
+    EXPECT_EQ(refusalToOpen(), "no refusal");
+    file.exec("DROP INDEX client_cursor");
+    EXPECT_EQ(refusalToOpen(), text);
+}
+
+TEST_F(SqliteStoreTest, AnEventThatWasAlteredIsNotDelivered) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, "12345678-1");
+    store.putEvents(pump, "12345678-2");
+    SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+    const std::string text =
+        "Event 2 of the event store '" + options.path +
+        "' is not what was put: the file is damaged. Check the disk. To go "
+        "on without what is queued, unregister the client and register it "
+        "again.";
+    for (const char* change :
+         {"SET body = CAST('12345678-3' AS BLOB)",
+          "SET body = CAST('12345678-2x' AS BLOB)",
+          "SET sender = CAST('bump' AS BLOB)", "SET checksum = 1"}) {
+        file.exec("BEGIN");
+        file.exec(std::string("UPDATE event ") + change + " WHERE number = 2");
+        file.exec("COMMIT");
+        EXPECT_EQ(refusal([&] { store.getEvents(valve); }), text) << change;
+        store.unregisterClient(valve);
+        store.registerClient(valve);
+        EXPECT_EQ(store.getEvents(valve)->text, "");
+        file.exec("DELETE FROM event");
+        file.exec("UPDATE server SET next = 1");
+        file.exec("UPDATE client SET cursor = 0");
+        store.putEvents(pump, "12345678-1");
+        store.putEvents(pump, "12345678-2");
+    }
+    EXPECT_EQ(store.getEvents(valve)->text, "12345678-112345678-2");
 }
 
 TEST_F(SqliteStoreTest, AFolderInPlaceOfTheFileIsReported) {
