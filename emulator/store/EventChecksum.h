@@ -10,7 +10,7 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // its queue. It finds what a disk or another program has altered by accident;
 // it is no protection against somebody who means it.
 std::int64_t eventChecksum(std::int64_t server, std::int64_t number,
-                           std::string_view sender, std::string_view body);
+                           std::string_view body);
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator
 

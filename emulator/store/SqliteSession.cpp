@@ -26,7 +26,7 @@ constexpr std::int64_t trimmedByAPut = 32;
 
 // What other writes remove: some hundred events, and more while the time lasts,
 // so that nobody waits long at the gate.
-constexpr std::int64_t trimmedAtOnce = 500;
+constexpr std::int64_t trimmedAtOnce = 250;
 constexpr std::chrono::milliseconds trimLimit{20};
 
 // Whoever consumes more than this at once leaves the rest to those who come
@@ -156,9 +156,7 @@ ClientList SqliteSession::putEvents(const Identity& caller,
     if (!events.empty() && clients->size() > 1) {
         SqliteRun(statements->addEvent, sender->server, sender->next,
                   caller.clientId,
-                  eventChecksum(sender->server, sender->next, caller.clientId,
-                                events),
-                  events)
+                  eventChecksum(sender->server, sender->next, events), events)
             .exec();
         SqliteRun(statements->takeNumber, sender->server).exec();
         stepOverOwn(*sender, caller.clientId, sender->next);
@@ -189,8 +187,7 @@ std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
             break;
         }
         const std::int64_t number = run.integer(1);
-        if (eventChecksum(now->server, number, run.bytes(2), body) !=
-            run.integer(3)) {
+        if (eventChecksum(now->server, number, body) != run.integer(2)) {
             throw StoreError(
                 "Event " + std::to_string(number) + " of the event store '" +
                 files.database() +

@@ -32,7 +32,7 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
                  "UPDATE client SET cursor = ?3 "
                  "WHERE server = ?1 AND name = ?2 AND cursor < ?3"),
       pending(database,
-              "SELECT body, number, sender, checksum FROM event "
+              "SELECT body, number, checksum FROM event "
               "WHERE server = ?1 AND number > ?2 AND number <= ?3 "
               "AND sender <> ?4 ORDER BY number"),
       trim(database,
