@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <new>
 #include <string>
 #include <utility>
@@ -65,7 +66,8 @@ SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
       deadline(limit),
       database(openSqliteFile(options, limit)),
       statements(std::make_unique<SqliteStatements>(*database)),
-      opened(files.snapshot()) {}
+      opened(files.snapshot()),
+      folder(std::filesystem::path(files.database()).parent_path()) {}
 
 SqliteSession::~SqliteSession() = default;
 
@@ -222,8 +224,12 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
 // What is only in a log that has lost its name goes into the database, as long
 // as that has not.
 void SqliteSession::requireSameFiles() {
+    if (folder.isUnchanged()) {
+        return;
+    }
     const StoreFiles::Snapshot now = files.snapshot();
     if (now == opened) {
+        folder.accept();
         return;
     }
     if (now.database == opened.database) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "emulator/store/EventStore.h"
+#include "emulator/store/FolderWatch.h"
 #include "emulator/store/ForkLock.h"
 #include "emulator/store/SqliteOptions.h"
 #include "emulator/store/StoreFiles.h"
@@ -102,6 +103,7 @@ private:
     std::unique_ptr<SQLite::Database> database;
     std::unique_ptr<SqliteStatements> statements;  // end before the database
     StoreFiles::Snapshot opened;
+    FolderWatch folder;
     std::map<std::int64_t, CachedList> lists;  // by server
 };
 
