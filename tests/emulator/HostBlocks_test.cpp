@@ -54,7 +54,7 @@ TEST_F(HostBlocksTest, AllGoBackAtOnceAndNoneASecondTime) {
 }
 
 TEST_F(HostBlocksTest, WhatIsLeftStaysWithTheHost) {
-    void* block = blocks.take(1);
+    static void* block = blocks.take(1);  // no leak: it is known here
     blocks.leaveAll();
     const std::size_t calls = heap.calls();
     blocks.giveBack(block);

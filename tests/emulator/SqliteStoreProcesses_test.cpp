@@ -326,6 +326,9 @@ TEST_F(SqliteStoreProcesses, AForkWhileThreadsPutLeavesTheChildUsable) {
     for (int i = 0; i < children; ++i) {
         ChildProcess child([&store, i] {
             store.putEvents(pump, "child:" + std::to_string(i) + ";");
+            // Without a search for leaks: what the putter had at hand belongs
+            // to nobody here.
+            std::_Exit(0);
             return 0;
         });
         EXPECT_TRUE(child.awaitEnd(10s)) << "child " << i;
