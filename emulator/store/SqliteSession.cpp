@@ -36,7 +36,7 @@ constexpr std::int64_t consumedAtOnce = 1000;
 
 constexpr std::size_t cachedLists = 256;
 
-// How long the end of a session may wait at the gate.
+// How long the end of a session that wrote may wait at the gate.
 constexpr std::chrono::seconds tidyLimit{1};
 
 }  // namespace
@@ -45,16 +45,20 @@ constexpr std::chrono::seconds tidyLimit{1};
 class SqliteSession::Write {
 public:
     explicit Write(SqliteSession& session)
-        : passage(session.gate, session.deadline) {
+        : wrote(session.wrote), passage(session.gate, session.deadline) {
         session.requireSameFiles();
         session.setBusyTimeout();
         transaction.emplace(session.statements->transaction,
                             SqliteTransaction::Kind::write);
     }
 
-    void commit() { transaction->commit(); }
+    void commit() {
+        transaction->commit();
+        wrote = true;
+    }
 
 private:
+    bool& wrote;
     GatePassage passage;
     std::optional<SqliteTransaction> transaction;
 };

@@ -100,6 +100,7 @@ private:
     const std::string gate;
     const std::size_t portion;
     Deadline deadline;
+    bool wrote = false;
     std::unique_ptr<SQLite::Database> database;
     std::unique_ptr<SqliteStatements> statements;  // end before the database
     StoreFiles::Snapshot opened;
