@@ -79,8 +79,9 @@ SqliteSession::~SqliteSession() = default;
 // meanwhile. A log that is left behind is a matter of room only.
 void SqliteSession::tidyUp() noexcept {
     try {
+        const auto limit = wrote ? tidyLimit : std::chrono::seconds(0);
         const GatePassage passage(gate,
-                                  std::chrono::steady_clock::now() + tidyLimit);
+                                  std::chrono::steady_clock::now() + limit);
         statements.reset();
         keepLogAtClose(*database, false);
         database.reset();
