@@ -21,11 +21,12 @@ void HostHeap::giveBack(void* block) const noexcept {
     }
 }
 
-HostBytes::HostBytes(HostBytes&& other) noexcept
-    : heap(other.heap),
-      block(std::exchange(other.block, nullptr)),
-      length(std::exchange(other.length, 0)),
-      capacity(std::exchange(other.capacity, 0)) {}
+// What was moved from keeps its heap, and can be filled again.
+HostBytes::HostBytes(HostBytes&& other) noexcept : HostBytes(other.heap) {
+    block = std::exchange(other.block, nullptr);
+    length = std::exchange(other.length, 0);
+    capacity = std::exchange(other.capacity, 0);
+}
 
 HostBytes& HostBytes::operator=(HostBytes&& other) noexcept {
     if (this != &other) {
