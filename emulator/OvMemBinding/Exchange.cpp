@@ -1,6 +1,9 @@
 #include "emulator/OvMemBinding/Exchange.h"
 
+#include <utility>
+
 #include "emulator/manager/Refusal.h"
+#include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -22,7 +25,7 @@ void requireLimit(std::size_t size, std::size_t limit, const char* what) {
 }  // namespace
 
 Exchange::Exchange(HostHeap hostHeap, Limits requestLimits)
-    : limits(requestLimits), request(hostHeap) {}
+    : limits(requestLimits), request(std::move(hostHeap)) {}
 
 void Exchange::send(std::string_view text) {
     abandon();
@@ -32,6 +35,7 @@ void Exchange::send(std::string_view text) {
 
 void Exchange::sendPart(std::string_view text) {
     if (state == State::sendingBody) {
+        lastPart = request.view().size();
         append(text, limits.body, "body");
         return;
     }
@@ -65,10 +69,15 @@ std::int32_t Exchange::receive(EventManager& manager, char* buffer) {
     switch (state) {
         case State::headerSent:
             header = RequestHeader::parse(request.view());
-            request.clear();
-            state = State::sendingBody;
+            beginBody();
             return sendBody;
         case State::bodySent:
+            if (doubt && request.view().empty()) {
+                header = std::move(doubt->header);
+                request = std::move(doubt->body);
+            } else if (takeLastPartAsHeaderBlock()) {
+                return sendBody;
+            }
             startReply(manager, request.view());
             return replyFollows;
         case State::wholeSent: {
@@ -105,7 +114,9 @@ void Exchange::complete(EventManager& manager) {
             "OvMem_Complete.");
     }
     if (reply.consumption) {
-        manager.complete(*reply.consumption);
+        owed = std::move(reply.consumption);
+        manager.complete(*owed);
+        owed.reset();
     }
     abandon();
 }
@@ -113,8 +124,50 @@ void Exchange::complete(EventManager& manager) {
 void Exchange::abandon() noexcept {
     state = State::idle;
     request.clear();
+    doubt.reset();
     reply = Reply();
     received = 0;
+}
+
+void Exchange::beginBody() noexcept {
+    request.clear();
+    lastPart = 0;
+    state = State::sendingBody;
+}
+
+// The part that may be a request is kept as a part of the body, too.
+bool Exchange::takeLastPartAsHeaderBlock() {
+    const std::string_view part = request.view().substr(lastPart);
+    if (!part.ends_with("\r\n\r\n") || part.size() > limits.headerBlock) {
+        return false;
+    }
+    RequestHeader next;
+    try {
+        next = RequestHeader::parse(part);
+    } catch (const Refusal&) {
+        return false;
+    }
+    doubt = Doubt{std::exchange(header, std::move(next)), std::move(request)};
+    beginBody();
+    return true;
+}
+
+// What the client heard is that its last get succeeded.
+void Exchange::settle(EventManager& manager) {
+    if (!owed) {
+        return;
+    }
+    try {
+        manager.complete(*owed);
+        owed.reset();
+    } catch (const StoreError& error) {
+        owed.reset();
+        throw StoreError(
+            "The events of the last getEvents could not be taken out of the "
+            "queue, and the next getEvents brings them again. This request "
+            "was not carried out. " +
+            std::string(error.what()));
+    }
 }
 
 void Exchange::append(std::string_view text, std::size_t limit,
@@ -124,6 +177,7 @@ void Exchange::append(std::string_view text, std::size_t limit,
 }
 
 void Exchange::startReply(EventManager& manager, std::string_view body) {
+    settle(manager);
     reply = manager.answer(header, body);
     request.clear();
     state = State::replying;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,9 +30,16 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 //     receive: n ... -1            complete
 //
 // A client that gives up half way says nothing. So a new request is taken
-// wherever one can begin, and the unfinished exchange is forgotten; only in
-// the middle of a body sendPart cannot tell a new header block from more of
-// the body.
+// wherever one can begin, and the unfinished exchange is forgotten. In the
+// middle of a body a new header block looks like more of the body. So where the
+// last part of a body is a whole header block, receive answers 19 once more: a
+// client that began a new request sends the body of that one, and what came
+// before is forgotten; a client whose body just ends like that has nothing more
+// to send, and its request is done as it stands.
+//
+// What a client got and could not be taken out of its queue is tried again with
+// the next request; if that fails, too, the next request is refused, so that
+// the client hears that it will get the same events again.
 //
 // THROWS: Refusal (out of order) for a call that does not fit; the exchange
 // is then as it was. Any other exception leaves it where no call but a new
@@ -79,16 +87,31 @@ private:
         replied
     };
 
+    // A request whose body ends with what may be the next request.
+    struct Doubt {
+        RequestHeader header;
+        HostBytes body;
+    };
+
+    void beginBody() noexcept;
+
+    // Then that part is the header block of the exchange from now on, and what
+    // it was until now is in doubt.
+    bool takeLastPartAsHeaderBlock();
+    void settle(EventManager& manager);
     void append(std::string_view text, std::size_t limit, const char* what);
     void startReply(EventManager& manager, std::string_view body);
     std::int32_t nextChunk(char* buffer);
 
     Limits limits;
     State state = State::idle;
-    HostBytes request;  // the header block, the body or both
+    HostBytes request;         // the header block, the body or both
+    std::size_t lastPart = 0;  // of the body: where it begins
+    std::optional<Doubt> doubt;
     RequestHeader header;
     Reply reply;
-    std::size_t received = 0;  // bytes of the reply
+    std::optional<Consumption> owed;  // by a complete that failed
+    std::size_t received = 0;         // bytes of the reply
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

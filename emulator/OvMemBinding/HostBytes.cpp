@@ -5,13 +5,28 @@
 #include <new>
 #include <utility>
 
+#include "emulator/OvMemBinding/HostBlocks.h"
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-HostBytes::HostBytes(HostBytes&& other) noexcept
-    : heap(other.heap),
-      block(std::exchange(other.block, nullptr)),
-      length(std::exchange(other.length, 0)),
-      capacity(std::exchange(other.capacity, 0)) {}
+void* HostHeap::take(std::size_t size) const {
+    return blocks ? blocks->take(size) : allocate(size);
+}
+
+void HostHeap::giveBack(void* block) const noexcept {
+    if (blocks) {
+        blocks->giveBack(block);
+    } else {
+        release(block);
+    }
+}
+
+// What was moved from keeps its heap, and can be filled again.
+HostBytes::HostBytes(HostBytes&& other) noexcept : HostBytes(other.heap) {
+    block = std::exchange(other.block, nullptr);
+    length = std::exchange(other.length, 0);
+    capacity = std::exchange(other.capacity, 0);
+}
 
 HostBytes& HostBytes::operator=(HostBytes&& other) noexcept {
     if (this != &other) {
@@ -37,7 +52,7 @@ void HostBytes::append(std::string_view bytes) {
 
 void HostBytes::clear() noexcept {
     if (block) {
-        heap.release(block);
+        heap.giveBack(block);
     }
     block = nullptr;
     length = 0;
@@ -49,13 +64,13 @@ void HostBytes::reserve(std::size_t needed) {
         return;
     }
     const std::size_t room = std::max(needed, 2 * capacity);
-    auto* larger = static_cast<char*>(heap.allocate(room + 1));
+    auto* larger = static_cast<char*>(heap.take(room + 1));
     if (!larger) {
         throw std::bad_alloc();
     }
     if (block) {
         std::memcpy(larger, block, length);
-        heap.release(block);
+        heap.giveBack(block);
     }
     block = larger;
     capacity = room;

@@ -2,16 +2,26 @@
 #define EMULATOR_OVMEMBINDING_HOSTBYTES_H
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "OvMemCppBinding/platform/OvMemBinding.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-// The heap functions that the application gave to OvMem_Init.
+class HostBlocks;
+
+// The heap functions that the application gave to OvMem_Init, and who keeps
+// account of the blocks that are out.
 struct HostHeap {
     OvMemAllocate allocate = nullptr;
     OvMemRelease release = nullptr;
+    std::shared_ptr<HostBlocks> blocks = nullptr;  // null: nobody does
+
+    // Null when there is no memory.
+    void* take(std::size_t size) const;
+    void giveBack(void* block) const noexcept;
 };
 
 // A growing row of bytes on the application's heap, always followed by a NUL.
@@ -22,7 +32,7 @@ struct HostHeap {
 class HostBytes {
 public:
     // Empty; allocates nothing.
-    explicit HostBytes(HostHeap hostHeap = {}) : heap(hostHeap) {}
+    explicit HostBytes(HostHeap hostHeap = {}) : heap(std::move(hostHeap)) {}
     HostBytes(HostBytes&& other) noexcept;
     HostBytes& operator=(HostBytes&& other) noexcept;
     ~HostBytes();

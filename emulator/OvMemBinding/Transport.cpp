@@ -1,49 +1,153 @@
 #include "emulator/OvMemBinding/Transport.h"
 
+#include <chrono>
+#include <new>
+#include <thread>
 #include <utility>
 
 #include <pthread.h>
 
-#include "emulator/store/StoreMutex.h"
+#include "emulator/OvMemBinding/HostBlocks.h"
+#include "emulator/store/StoreError.h"
 #include "emulator/store/StoreUrl.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-Transport& Transport::instance() {
-    static auto* const transport = new Transport;
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto lockLimit = 10s;
+constexpr auto forkLimit = 11s;
+
+// Registered behind the handlers of the stores, so that this lock is taken
+// before theirs, as elsewhere.
+[[gnu::constructor(201)]] void registerForForks() {
+    ::pthread_atfork([] { Transport::instance().beforeFork(); },
+                     [] { Transport::instance().inParent(); },
+                     [] { Transport::instance().inChild(); });
+}
+
+}  // namespace
+
+class Transport::Lock {
+public:
+    explicit Lock(ForkLock& lock) : mutex(lock) {
+        if (!mutex.tryLockFor(lockLimit)) {
+            throw StoreError(
+                mutex.isLost()
+                    ? "This process was forked while another thread used the "
+                      "transport, and cannot use it any more. Fork while no "
+                      "thread is using it, or start another program in the "
+                      "child."
+                    : "This process is in the middle of a fork that does not "
+                      "end. Repeat the call.");
+        }
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock() { mutex.unlock(); }
+
+private:
+    ForkLock& mutex;
+};
+
+Transport::Use::Use(Transport& owner) : transport(owner) {
+    const Lock lock(transport.mutex);
+    used = transport.current;
+    if (used) {
+        ++used->users;
+    }
+}
+
+// Without the lock the count stays too high, and the last end waits in vain.
+Transport::Use::~Use() {
+    if (used && transport.mutex.tryLockFor(forkLimit)) {
+        --used->users;
+        transport.mutex.unlock();
+    }
+}
+
+Transport& Transport::instance() noexcept {
+    alignas(Transport) static unsigned char room[sizeof(Transport)];
+    static auto* const transport = new (room) Transport;
     return *transport;
 }
 
-// Without this a child could inherit the lock from a thread that it has not.
-Transport::Transport() {
-    storeMutex();  // taken under our own lock, so registered before it
-    ::pthread_atfork([] { instance().mutex.lock(); },
-                     [] { instance().mutex.unlock(); },
-                     [] { instance().mutex.unlock(); });
-}
-
-void Transport::start(HostHeap heap) {
-    const std::lock_guard lock(mutex);
-    if (!current) {
-        auto session = std::make_shared<Session>();
-        session->heap = heap;
-        session->store = openStore(storeUrlOfEnvironment());
-        current = std::move(session);
+void Transport::start(OvMemAllocate allocate, OvMemRelease release) {
+    std::shared_ptr<Session> session;
+    {
+        const Lock lock(mutex);
+        if (!current) {
+            session = std::make_shared<Session>();
+            session->heap = {
+                allocate, release,
+                std::make_shared<HostBlocks>(allocate, release, mutex)};
+            session->store = openStore(storeUrlOfEnvironment());
+            current = std::move(session);
+        }
+        session = current;
+        ++starts;
     }
-    ++starts;
+    try {
+        session->store->open();
+    } catch (...) {
+        session.reset();
+        stop();
+        throw;
+    }
 }
 
 void Transport::stop() {
-    std::shared_ptr<Session> last;  // closed when the lock is free again
-    const std::lock_guard lock(mutex);
-    if (starts > 0 && --starts == 0) {
-        last = std::move(current);
+    std::shared_ptr<Session> last;  // the store is closed without the lock
+    {
+        const Lock lock(mutex);
+        if (starts > 0 && --starts == 0) {
+            last = std::move(current);
+        }
+    }
+    if (last) {
+        waitForUsers(*last);
+        last->heap.blocks->giveAllBack();
     }
 }
 
-std::shared_ptr<Session> Transport::session() {
-    const std::lock_guard lock(mutex);
-    return current;
+// No call begins any more, and each ends soon.
+void Transport::waitForUsers(const Session& session) {
+    const auto deadline = std::chrono::steady_clock::now() + forkLimit;
+    for (;;) {
+        {
+            const Lock lock(mutex);
+            if (session.users == 0 ||
+                std::chrono::steady_clock::now() >= deadline) {
+                return;
+            }
+        }
+        std::this_thread::sleep_for(1ms);
+    }
+}
+
+void Transport::beforeFork() noexcept {
+    mutex.beforeFork(forkLimit);
+}
+
+// The threads that were in the middle of a call are not in the child.
+void Transport::inChild() noexcept {
+    mutex.inChild();
+    if (!mutex.isLost() && current) {
+        current->users = 0;
+    }
+}
+
+void Transport::atEnd() noexcept {
+    if (mutex.isLost() || !mutex.tryLockFor(1s)) {
+        return;
+    }
+    const std::shared_ptr<Session> session = current;
+    mutex.unlock();
+    if (session) {
+        session->heap.blocks->leaveAll();
+    }
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

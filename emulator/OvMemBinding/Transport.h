@@ -1,11 +1,12 @@
 #ifndef EMULATOR_OVMEMBINDING_TRANSPORT_H
 #define EMULATOR_OVMEMBINDING_TRANSPORT_H
 
+#include <cstddef>
 #include <memory>
-#include <mutex>
 
 #include "emulator/OvMemBinding/HostBytes.h"
 #include "emulator/store/EventStore.h"
+#include "emulator/store/ForkLock.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -14,33 +15,64 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 struct Session {
     HostHeap heap;                      // of the first start
     std::unique_ptr<EventStore> store;  // never null
+    std::size_t users = 0;              // calls in progress
 };
 
 // Counts the starts and ends of the transport in this process; several
-// connections may start it. The first start opens the store that the
+// connections may start it. The first start takes the store that the
 // environment names.
 //
-// Threads: any. A fork waits until no thread is starting or ending.
+// Threads: any.
 class Transport {
 public:
+    // A call in progress. The last end of the transport waits for it.
+    class Use {
+    public:
+        explicit Use(Transport& owner);
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+        ~Use();
+
+        // Null if the transport is not started.
+        const std::shared_ptr<Session>& session() const { return used; }
+
+    private:
+        Transport& transport;
+        std::shared_ptr<Session> used;
+    };
+
     // The process's one transport. It is never destroyed, since threads may
     // use it until the very end.
-    static Transport& instance();
+    static Transport& instance() noexcept;
 
-    // THROWS: StoreError when the store cannot be opened; the transport is
-    // then not started.
-    void start(HostHeap heap);
+    Transport() = default;
+    Transport(const Transport&) = delete;
+    Transport& operator=(const Transport&) = delete;
 
-    // Closes the store at the last end. More ends than starts do nothing.
+    // Every start opens the store, if it is not open.
+    //
+    // THROWS: StoreError when the store cannot be opened; this start then does
+    // not count.
+    void start(OvMemAllocate allocate, OvMemRelease release);
+
+    // At the last end, closes the store and gives everything back to the
+    // application's heap. More ends than starts do nothing.
+    //
+    // THROWS: StoreError when a fork of this process keeps everybody waiting.
     void stop();
 
-    // Null while the transport is not started.
-    std::shared_ptr<Session> session();
+    // For the process: the handlers of a fork, and its end.
+    void beforeFork() noexcept;
+    void inParent() noexcept { mutex.inParent(); }
+    void inChild() noexcept;
+    void atEnd() noexcept;
 
 private:
-    Transport();
+    class Lock;
 
-    std::mutex mutex;
+    void waitForUsers(const Session& session);
+
+    ForkLock mutex;
     std::size_t starts = 0;
     std::shared_ptr<Session> current;  // null when there is no start
 };

@@ -1,6 +1,7 @@
 #ifndef EMULATOR_STORE_EVENTSTORE_H
 #define EMULATOR_STORE_EVENTSTORE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -21,11 +22,14 @@ struct Identity {
 // kept.
 using ClientList = std::shared_ptr<const std::vector<std::string>>;
 
-// What is queued for a client.
+// The first portion of what is queued for a client: as many events as fit into
+// `portionBytes`, but at least one.
 struct PendingEvents {
-    std::string text;       // all events, one after the other
+    std::string text;       // the events, one after the other
     std::int64_t upto = 0;  // number of the last event looked at
 };
+
+inline constexpr std::size_t portionBytes = 64 * 1024 * 1024;
 
 // Where a Model Event Manager keeps its clients and their events.
 //
@@ -49,6 +53,10 @@ public:
     EventStore& operator=(const EventStore&) = delete;
     virtual ~EventStore() = default;
 
+    // Opens what there is to open, if it is not open. Every operation does so,
+    // too; this is for those who want to know early.
+    virtual void open() {}
+
     // Every answer is the list of clients after the operation, null if the
     // caller is not registered.
 
@@ -65,7 +73,8 @@ public:
     virtual ClientList putEvents(const Identity& caller,
                                  std::string_view events) = 0;
 
-    // Nothing if the caller is not registered. The queue stays as it is.
+    // Nothing if the caller is not registered. The queue stays as it is. When
+    // this portion is consumed, the next call gives the next one.
     virtual std::optional<PendingEvents> getEvents(const Identity& caller) = 0;
 
     // Takes everything up to the number `upto` out of the caller's queue. A

@@ -1,19 +1,31 @@
 #include "emulator/store/GatePassage.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
+#include <thread>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "emulator/store/LockHolder.h"
 #include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 namespace {
 
-constexpr mode_t fileMode = 0666;  // less the umask, as the store itself
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+constexpr mode_t fileMode = 0600;
+
+// After so long a waiter no longer counts on the one who is next.
+constexpr auto patience = 100ms;
 
 StoreError gateError(const std::string& path, int error) {
     return StoreError("The gate file '" + path + "' of the event store cannot" +
@@ -22,20 +34,128 @@ StoreError gateError(const std::string& path, int error) {
                       "place that is.");
 }
 
+StoreError timeoutError(const std::string& path) {
+    return StoreError("The event store is in use: " +
+                      describeLockHolder({path}) + " holds its gate '" + path +
+                      "'. Let that process go on or end it, then repeat the "
+                      "call.");
+}
+
+// The place of the next is a lock on the first byte. It belongs to the open
+// file, as does the gate itself, which is a lock of another kind on the same
+// file. Where the file system has no such locks there is no queue.
+struct flock nextPlace(short type) {
+    struct flock place {};
+    place.l_type = type;
+    place.l_whence = SEEK_SET;
+    place.l_len = 1;
+    return place;
+}
+
+bool somebodyIsNext(int file) {
+    struct flock place = nextPlace(F_WRLCK);
+    return ::fcntl(file, F_OFD_GETLK, &place) == 0 && place.l_type != F_UNLCK;
+}
+
+bool becomeNext(int file) {
+    struct flock place = nextPlace(F_WRLCK);
+    return ::fcntl(file, F_OFD_SETLK, &place) == 0 ||
+           (errno != EAGAIN && errno != EACCES);
+}
+
+void leaveNextPlace(int file) {
+    struct flock place = nextPlace(F_UNLCK);
+    ::fcntl(file, F_OFD_SETLK, &place);
+}
+
+// Looks at the gate, again and again, until it is through.
+class Waiter {
+public:
+    Waiter(int gateFile, const std::string& gatePath, Deadline limit)
+        : file(gateFile), path(gatePath), deadline(limit) {}
+
+    void wait() {
+        if (!somebodyIsNext(file) && passes()) {
+            return;
+        }
+        while (!becomeNext(file)) {
+            if (Clock::now() - start > patience && passes()) {
+                return;
+            }
+            rest(queueRest());
+        }
+        for (int looks = 0; !passes(); ++looks) {
+            // A passage may take a few microseconds, or many milliseconds.
+            if (looks < 20) {
+                ::sched_yield();
+            } else {
+                rest(std::min(50us * (looks - 19), 1000us));
+            }
+        }
+        leaveNextPlace(file);
+    }
+
+private:
+    bool passes() {
+        if (::flock(file, LOCK_EX | LOCK_NB) == 0) {
+            return true;
+        }
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            throw gateError(path, errno);
+        }
+        return false;
+    }
+
+    void rest(std::chrono::microseconds duration) {
+        if (Clock::now() >= deadline) {
+            throw timeoutError(path);
+        }
+        std::this_thread::sleep_for(duration);
+    }
+
+    // Of different length each time, so that nobody is late for ever.
+    std::chrono::microseconds queueRest() {
+        random = random * 1664525U + 1013904223U;
+        const unsigned most = Clock::now() - start < 10ms ? 250 : 2000;
+        return 50us + std::chrono::microseconds((random >> 16U) % most);
+    }
+
+    const int file;
+    const std::string& path;
+    const Deadline deadline;
+    const Clock::time_point start = Clock::now();
+    unsigned random = static_cast<unsigned>(
+        start.time_since_epoch().count() ^
+        static_cast<Clock::rep>(std::hash<pid_t>()(::getpid()) << 8U));
+};
+
+// True if `file` still has a name.
+bool closeUnlessNamed(int file) {
+    struct stat status {};
+    if (::fstat(file, &status) == 0 && status.st_nlink > 0) {
+        return true;
+    }
+    ::close(file);
+    return false;
+}
+
 }  // namespace
 
-GatePassage::GatePassage(const std::string& path)
-    : file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, fileMode)) {
-    if (file < 0) {
-        throw gateError(path, errno);
-    }
-    while (::flock(file, LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            const int error = errno;
-            ::close(file);
-            throw gateError(path, error);
+// Somebody may have removed the file meanwhile; its lock is then worth nothing.
+GatePassage::GatePassage(const std::string& path, Deadline deadline) {
+    do {
+        file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
+                      fileMode);
+        if (file < 0) {
+            throw gateError(path, errno);
         }
-    }
+        try {
+            Waiter(file, path, deadline).wait();
+        } catch (...) {
+            ::close(file);
+            throw;
+        }
+    } while (!closeUnlessNamed(file));
 }
 
 GatePassage::~GatePassage() {

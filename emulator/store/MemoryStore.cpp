@@ -62,9 +62,16 @@ std::optional<PendingEvents> MemoryStore::getEvents(const Identity& caller) {
     auto event =
         server->events.upper_bound(server->cursors.at(caller.clientId));
     for (; event != server->events.end(); ++event) {
-        if (event->second.sender != caller.clientId) {
-            pending.text += event->second.body;
+        const std::string& body = event->second.body;
+        if (event->second.sender == caller.clientId) {
+            continue;
         }
+        if (!pending.text.empty() &&
+            pending.text.size() + body.size() > portion) {
+            pending.upto = event->first - 1;
+            break;
+        }
+        pending.text += body;
     }
     return pending;
 }

@@ -16,6 +16,9 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // THROWS: never a StoreError.
 class MemoryStore : public EventStore {
 public:
+    explicit MemoryStore(std::size_t portionOfAGet = portionBytes)
+        : portion(portionOfAGet) {}
+
     ClientList registerClient(const Identity& caller) override;
     ClientList unregisterClient(const Identity& caller) override;
     ClientList sharedClients(const Identity& caller) override;
@@ -49,6 +52,7 @@ private:
     // The server of a registered caller, else null.
     Server* serverOf(const Identity& caller);
 
+    const std::size_t portion;
     mutable std::mutex mutex;
     std::map<std::string, Server> servers;
 };

@@ -1,7 +1,10 @@
 #ifndef EMULATOR_STORE_SQLITEOPTIONS_H
 #define EMULATOR_STORE_SQLITEOPTIONS_H
 
+#include <cstddef>
 #include <string>
+
+#include "emulator/store/EventStore.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -11,10 +14,18 @@ enum class Synchronous {
     full     // survives both
 };
 
+// Who may use a store that is made.
+enum class Access {
+    owner,  // files 0600, folders 0700
+    group   // files 0660, folders 02770: a new file is of the folder's group
+};
+
 struct SqliteOptions {
     std::string path;
     Synchronous synchronous = Synchronous::full;
     int busyTimeoutMilliseconds = 10000;  // then the store timed out
+    Access access = Access::owner;
+    std::size_t portion = portionBytes;  // of one get
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

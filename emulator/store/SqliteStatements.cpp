@@ -3,7 +3,8 @@
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 SqliteStatements::SqliteStatements(SQLite::Database& database)
-    : member(database,
+    : transaction(database),
+      member(database,
              "SELECT s.id, s.next, s.epoch, c.cursor FROM server s "
              "JOIN client c ON c.server = s.id AND c.name = ?2 "
              "WHERE s.name = ?1"),
@@ -20,8 +21,8 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
       clients(database,
               "SELECT name FROM client WHERE server = ?1 ORDER BY name"),
       addEvent(database,
-               "INSERT INTO event (server, number, sender, body) "
-               "VALUES (?1, ?2, ?3, ?4)"),
+               "INSERT INTO event (server, number, sender, checksum, body) "
+               "VALUES (?1, ?2, ?3, ?4, ?5)"),
       takeNumber(database, "UPDATE server SET next = next + 1 WHERE id = ?1"),
       firstOfOthers(database,
                     "SELECT number FROM event "
@@ -31,14 +32,18 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
                  "UPDATE client SET cursor = ?3 "
                  "WHERE server = ?1 AND name = ?2 AND cursor < ?3"),
       pending(database,
-              "SELECT body FROM event "
+              "SELECT body, number, checksum FROM event "
               "WHERE server = ?1 AND number > ?2 AND number <= ?3 "
               "AND sender <> ?4 ORDER BY number"),
       trim(database,
            "DELETE FROM event WHERE rowid IN (SELECT rowid FROM event "
            "WHERE server = ?1 AND number <= ifnull("
            "(SELECT min(cursor) FROM client WHERE server = ?1), "
-           "9223372036854775807) ORDER BY number LIMIT ?2)") {}
+           "9223372036854775807) ORDER BY number LIMIT ?2)"),
+      deserted(database,
+               "SELECT id FROM server WHERE "
+               "NOT EXISTS (SELECT 1 FROM client WHERE server = id) AND "
+               "EXISTS (SELECT 1 FROM event WHERE server = id) LIMIT 1") {}
 
 std::int64_t SqliteRun::integer(int column) const {
     return statement.getColumn(column).getInt64();

@@ -7,12 +7,15 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include "emulator/store/SqliteTransaction.h"
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // Every statement of a SqliteSession, prepared once.
 struct SqliteStatements {
     explicit SqliteStatements(SQLite::Database& database);
 
+    SqliteTransactionStatements transaction;
     SQLite::Statement member;
     SQLite::Statement addServer;
     SQLite::Statement addClient;
@@ -25,6 +28,7 @@ struct SqliteStatements {
     SQLite::Statement moveCursor;
     SQLite::Statement pending;
     SQLite::Statement trim;
+    SQLite::Statement deserted;
 };
 
 // One run of a prepared statement: binds its parameters in order, texts as
@@ -47,8 +51,8 @@ public:
     // True if there is a row (the next one).
     bool step() { return statement.executeStep(); }
 
-    // Runs a statement that gives no rows.
-    void exec() { statement.exec(); }
+    // Runs a statement that gives no rows; how many it changed.
+    int exec() { return statement.exec(); }
 
     std::int64_t integer(int column) const;
 

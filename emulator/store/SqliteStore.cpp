@@ -1,78 +1,80 @@
 #include "emulator/store/SqliteStore.h"
 
 #include <chrono>
-#include <mutex>
 #include <new>
-#include <string>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
+#include "emulator/store/SqliteFailure.h"
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
-#include "emulator/store/StoreMutex.h"
+#include "emulator/store/StoreFiles.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-namespace {
-
-[[noreturn]] void throwStoreError(const SQLite::Exception& error,
-                                  const std::string& path) {
-    const std::string store = "The event store '" + path + "' ";
-    const std::string reason = " (" + std::string(error.what()) + "). ";
-    switch (error.getErrorCode()) {
-        case SQLITE_NOMEM:
-            throw std::bad_alloc();
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            throw StoreError(store + "is locked by another program" + reason +
-                             "Find what keeps it open for writing, then "
-                             "repeat the call.");
-        case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
-            throw StoreError(store + "is damaged or not a store" + reason +
-                             "Move the file away, or set OVMEM_STORE to "
-                             "another one.");
-        case SQLITE_FULL:
-            throw StoreError(store + "has no room left" + reason +
-                             "Free space on its disk, then repeat the call.");
-        default:
-            throw StoreError(store + "cannot be used" + reason +
-                             "Make the file and its folder readable and "
-                             "writable, or set OVMEM_STORE to another file.");
-    }
-}
-
-}  // namespace
-
+// One deadline for all that a call waits for: the other threads of this
+// process, the gate, and the locks of other programs.
 template <typename Work>
-auto SqliteStore::use(Work work) {
-    const auto deadline =
-        std::chrono::steady_clock::now() +
-        std::chrono::milliseconds(options.busyTimeoutMilliseconds);
-    const std::lock_guard lock(storeMutex());
-    try {
-        SqliteSession& now = sessionOfThisProcess();
-        now.waitUntil(deadline);
-        return work(now);
-    } catch (const SQLite::Exception& error) {
-        throwStoreError(error, options.path);
+auto SqliteStore::use(Work work, IfAbsent ifAbsent) {
+    const Deadline limit = deadline();
+    const auto lock = OpenStores::instance().lockUntil(limit);
+    for (bool again = false;; again = true) {
+        try {
+            if (!session && ifAbsent == IfAbsent::nothing &&
+                !StoreFiles(options).exist()) {
+                return decltype(work(*session))();
+            }
+            if (!session) {
+                session = std::make_unique<SqliteSession>(options, limit);
+            }
+            session->waitUntil(limit);
+            return work(*session);
+        } catch (const SQLite::Exception& error) {
+            const int systemError = session ? session->systemError() : 0;
+            dropIfStuck();
+            const bool late = std::chrono::steady_clock::now() >= limit;
+            if (again || !recoverFrom(error.getErrorCode()) || late) {
+                throwSqliteFailure(error, options.path, systemError);
+            }
+        } catch (const FilesReplaced&) {
+            session.reset();
+            if (again) {
+                throw StoreError("The files of the event store '" +
+                                 options.path +
+                                 "' are being replaced. Repeat the call when "
+                                 "that is over.");
+            }
+        } catch (const std::bad_alloc&) {
+            dropIfStuck();
+            throw;
+        }
     }
 }
 
 SqliteStore::SqliteStore(SqliteOptions given) : options(std::move(given)) {
-    use([](SqliteSession&) { return 0; });
+    OpenStores::instance().add(*this, deadline());
 }
 
+// What another thread has locked for good, in a child forked meanwhile, is left
+// as it is.
 SqliteStore::~SqliteStore() {
-    const std::lock_guard lock(storeMutex());
-    session.reset();
+    if (!OpenStores::instance().remove(*this)) {
+        static_cast<void>(session.release());
+    }
+}
+
+// A store is made by the first registration.
+void SqliteStore::open() {
+    if (!use([](SqliteSession&) { return true; })) {
+        StoreFiles(options).requirePlace();
+    }
 }
 
 ClientList SqliteStore::registerClient(const Identity& caller) {
-    return use([&](SqliteSession& now) { return now.registerClient(caller); });
+    return use([&](SqliteSession& now) { return now.registerClient(caller); },
+               IfAbsent::make);
 }
 
 ClientList SqliteStore::unregisterClient(const Identity& caller) {
@@ -98,16 +100,52 @@ void SqliteStore::consume(const Identity& caller, std::int64_t upto) {
     use([&](SqliteSession& now) { now.consume(caller, upto); });
 }
 
-// The parent's connection was at rest when it was copied, and its locks were
-// not copied. Closing the copy tells SQLite so; it cannot take the write-ahead
-// log away, since that needs a lock that the parent's own connection prevents.
-SqliteSession& SqliteStore::sessionOfThisProcess() {
-    if (!session || process != ::getpid()) {
-        session.reset();
-        session = std::make_unique<SqliteSession>(options);
-        process = ::getpid();
+Deadline SqliteStore::deadline() const {
+    return std::chrono::steady_clock::now() +
+           std::chrono::milliseconds(options.busyTimeoutMilliseconds);
+}
+
+// A transaction that failed left nothing behind, so it can be run again.
+bool SqliteStore::recoverFrom(int sqliteError) {
+    switch (sqliteError) {
+        case SQLITE_FULL:
+            // The log may be what fills the disk.
+            if (session) {
+                session->cutLog();
+            }
+            return true;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+        case SQLITE_PROTOCOL:
+            // A read that failed once looks like damage. Look again, with
+            // nothing remembered.
+            session.reset();
+            return true;
+        case SQLITE_IOERR:
+            // The connection may have lost count of its locks.
+            session.reset();
+            return false;
+        default:
+            return false;
     }
-    return *session;
+}
+
+// Without memory a rollback may fail.
+void SqliteStore::dropIfStuck() noexcept {
+    if (session && !session->isAtRest()) {
+        session.reset();
+    }
+}
+
+void SqliteStore::closeNow() noexcept {
+    session.reset();
+}
+
+void SqliteStore::closeTidily() noexcept {
+    if (session) {
+        session->tidyUp();
+        session.reset();
+    }
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -1,5 +1,7 @@
 #include "emulator/store/StoreUrl.h"
 
+#include <cctype>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -15,33 +17,64 @@ namespace {
 
 constexpr std::string_view sqliteScheme = "sqlite:";
 constexpr std::string_view forms =
-    "Set OVMEM_STORE to sqlite:PATH, sqlite:PATH?synchronous=NORMAL, "
-    "sqlite:PATH?synchronous=FULL or memory:.";
+    "Set OVMEM_STORE to sqlite:PATH or memory:. Options of sqlite:PATH follow "
+    "a '?', with '&' between them: synchronous=NORMAL or FULL, access=OWNER "
+    "or GROUP.";
+
+int byte(char character) {
+    return static_cast<unsigned char>(character);
+}
 
 StoreError urlError(const std::string& url, const std::string& fault) {
     return StoreError("The store URL '" + url + "' " + fault + ". " +
                       std::string(forms));
 }
 
-Synchronous parseOption(const std::string& url, std::string_view option) {
+void parseOption(SqliteOptions& options, const std::string& url,
+                 std::string_view option) {
     if (option == "synchronous=FULL") {
-        return Synchronous::full;
+        options.synchronous = Synchronous::full;
+    } else if (option == "synchronous=NORMAL") {
+        options.synchronous = Synchronous::normal;
+    } else if (option == "access=OWNER") {
+        options.access = Access::owner;
+    } else if (option == "access=GROUP") {
+        options.access = Access::group;
+    } else {
+        throw urlError(url, "has an unknown option");
     }
-    if (option == "synchronous=NORMAL") {
-        return Synchronous::normal;
-    }
-    throw urlError(url, "has an unknown option");
 }
 
-void makeFolders(const std::filesystem::path& file) {
-    std::error_code error;
-    std::filesystem::create_directories(file.parent_path(), error);
-    if (error) {
-        throw StoreError("The folder '" + file.parent_path().string() +
-                         "' of the event store cannot be made (" +
-                         error.message() +
-                         "). Make it yourself, or set OVMEM_STORE to another "
-                         "place.");
+void parseOptions(SqliteOptions& options, const std::string& url,
+                  std::string_view list) {
+    for (;;) {
+        const auto end = list.find('&');
+        parseOption(options, url, list.substr(0, end));
+        if (end == std::string_view::npos) {
+            return;
+        }
+        list.remove_prefix(end + 1);
+    }
+}
+
+// What looks like a path but would name another file than it seems to.
+void requirePlainPath(const std::string& url, std::string_view path) {
+    if (path == ":memory:") {
+        throw urlError(url, "names no file; a store in memory is memory:");
+    }
+    if (path == "~" || path.starts_with("~/")) {
+        throw urlError(url,
+                       "begins with '~', which only a shell replaces; write "
+                       "the whole path");
+    }
+    for (std::size_t at = path.find('%'); at != std::string_view::npos;
+         at = path.find('%', at + 1)) {
+        if (at + 2 < path.size() && std::isxdigit(byte(path[at + 1])) != 0 &&
+            std::isxdigit(byte(path[at + 2])) != 0) {
+            throw urlError(url,
+                           "holds a '%' with two digits, which is not "
+                           "decoded; write the path as it is");
+        }
     }
 }
 
@@ -65,13 +98,13 @@ std::optional<SqliteOptions> parseStoreUrl(const std::string& url) {
     SqliteOptions options;
     std::string path = url.substr(sqliteScheme.size());
     if (const auto mark = path.rfind('?'); mark != std::string::npos) {
-        options.synchronous =
-            parseOption(url, std::string_view(path).substr(mark + 1));
+        parseOptions(options, url, std::string_view(path).substr(mark + 1));
         path.resize(mark);
     }
     if (path.empty() || path.back() == '/') {
         throw urlError(url, "names no file");
     }
+    requirePlainPath(url, path);
     std::error_code error;
     options.path = std::filesystem::absolute(path, error).string();
     if (error) {
@@ -102,7 +135,6 @@ std::unique_ptr<EventStore> openStore(const std::string& url) {
     if (!options) {
         return std::make_unique<MemoryStore>();
     }
-    makeFolders(options->path);
     return std::make_unique<SqliteStore>(*options);
 }
 

@@ -12,7 +12,9 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // A store is named by one URL:
 //
-//     sqlite:PATH[?synchronous=NORMAL|FULL]
+//     sqlite:PATH[?OPTION[&OPTION...]]
+//         synchronous=NORMAL|FULL
+//         access=OWNER|GROUP
 //     memory:
 
 // What a URL says: the options of a SQLite store, or nothing for one in
@@ -28,7 +30,7 @@ std::optional<SqliteOptions> parseStoreUrl(const std::string& url);
 // THROWS: StoreError when no variable says where that is.
 std::string storeUrlOfEnvironment();
 
-// Opens the store of a URL, and makes the folders above its file.
+// The store of a URL, not yet opened.
 //
 // THROWS: StoreError.
 std::unique_ptr<EventStore> openStore(const std::string& url);

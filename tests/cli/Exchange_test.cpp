@@ -40,8 +40,9 @@ TEST_F(Exchange, TheStatusNamesWhatIsWrongWithTheStore) {
                        "Connection failed\n"
                        "ovmem: The transport says: The store URL "
                        "'file:events.db' is of no known kind. Set OVMEM_STORE "
-                       "to sqlite:PATH, sqlite:PATH?synchronous=NORMAL, "
-                       "sqlite:PATH?synchronous=FULL or memory:.\n"
+                       "to sqlite:PATH or memory:. Options of sqlite:PATH "
+                       "follow a '?', with '&' between them: "
+                       "synchronous=NORMAL or FULL, access=OWNER or GROUP.\n"
                        "ovmem: Remove the cause, then try again.\n"}));
 }
 

@@ -15,6 +15,7 @@ struct State {
     std::mutex mutex;
     std::set<void*> blocks;
     std::size_t allocations = 0;
+    std::size_t calls = 0;
     bool failing = false;
 };
 
@@ -29,6 +30,7 @@ CountedHeap::CountedHeap() {
     const std::lock_guard lock(state().mutex);
     state().blocks.clear();
     state().allocations = 0;
+    state().calls = 0;
     state().failing = false;
 }
 
@@ -39,6 +41,7 @@ CountedHeap::~CountedHeap() {
 
 void* CountedHeap::allocate(std::size_t size) {
     const std::lock_guard lock(state().mutex);
+    ++state().calls;
     void* block = state().failing ? nullptr : std::malloc(size);
     if (block) {
         state().blocks.insert(block);
@@ -49,6 +52,7 @@ void* CountedHeap::allocate(std::size_t size) {
 
 void CountedHeap::release(void* block) {
     const std::lock_guard lock(state().mutex);
+    ++state().calls;
     EXPECT_EQ(state().blocks.erase(block), 1U) << "not a block of this heap";
     std::free(block);
 }
@@ -66,6 +70,11 @@ std::size_t CountedHeap::live() const {
 std::size_t CountedHeap::allocations() const {
     const std::lock_guard lock(state().mutex);
     return state().allocations;
+}
+
+std::size_t CountedHeap::calls() const {
+    const std::lock_guard lock(state().mutex);
+    return state().calls;
 }
 
 }  // namespace OvMemTest

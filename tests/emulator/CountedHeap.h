@@ -23,6 +23,7 @@ public:
 
     std::size_t live() const;         // blocks that are out
     std::size_t allocations() const;  // since construction
+    std::size_t calls() const;        // of both functions since then
 };
 
 }  // namespace OvMemTest

@@ -20,6 +20,8 @@ namespace {
 // What the suite needs to know of each kind of store.
 
 struct InMemory {
+    explicit InMemory(std::size_t portion = portionBytes) : store(portion) {}
+
     MemoryStore store;
 
     std::size_t eventCount(const std::string& server) {
@@ -28,8 +30,12 @@ struct InMemory {
 };
 
 struct InSqlite {
+    explicit InSqlite(std::size_t portion = portionBytes)
+        : store(SqliteOptions{folder.file("events.db"), Synchronous::full,
+                              10000, Access::owner, portion}) {}
+
     OvMemTest::TemporaryFolder folder;
-    SqliteStore store{SqliteOptions{folder.file("events.db")}};
+    SqliteStore store;
 
     std::size_t eventCount(const std::string& server) {
         SQLite::Database file(folder.file("events.db"));
@@ -281,6 +287,26 @@ TYPED_TEST(EventStoreContract, ATextMayHaveFiftyMebibytesAndMore) {
     this->put("pump", "small");
     EXPECT_TRUE(this->take("valve") == large + "small");
     EXPECT_EQ(this->take("valve"), "");
+}
+
+TYPED_TEST(EventStoreContract, AGetBringsOnePortionAndTheNextGetTheNext) {
+    TypeParam small(10);
+    const Identity pump{"plant", "pump"};
+    const Identity valve{"plant", "valve"};
+    small.store.registerClient(pump);
+    small.store.registerClient(valve);
+    for (const char* events :
+         {"12345", "67890", "1", "larger than a portion", "a", "b"}) {
+        small.store.putEvents(pump, events);
+        small.store.putEvents(valve, "of its own, and so passed over");
+    }
+    for (const char* portion :
+         {"1234567890", "1", "larger than a portion", "ab", ""}) {
+        const auto got = small.store.getEvents(valve);
+        EXPECT_EQ(got->text, portion);
+        EXPECT_EQ(small.store.getEvents(valve)->text, portion);
+        small.store.consume(valve, got->upto);
+    }
 }
 
 TYPED_TEST(EventStoreContract, WhatEverybodyConsumedIsRemoved) {

@@ -58,6 +58,17 @@ protected:
         ASSERT_EQ(exchange.receive(manager, buffer.data()), Exchange::sendBody);
     }
 
+    void getWithoutComplete() {
+        store.registerClient({"plant", "pump"});
+        store.registerClient({"plant", "valve"});
+        store.putEvents({"plant", "pump"}, "open");
+        exchange.send(headerBlock("getEvents", "plant", "valve"));
+        exchange.endOfSend();
+        ASSERT_EQ(exchange.receive(manager, buffer.data()), 4);
+        ASSERT_EQ(exchange.receive(manager, buffer.data()),
+                  Exchange::endOfReply);
+    }
+
     FragileStore store;
     SharedClientsReplies replies;
     EventManager manager{store, replies};
@@ -107,17 +118,45 @@ TEST_F(ExchangeTest, AbandoningLeavesItReadyForTheNextRequest) {
 }
 
 TEST_F(ExchangeTest, AStoreLostBeforeCompleteLosesNothing) {
-    store.registerClient({"plant", "pump"});
-    store.registerClient({"plant", "valve"});
-    store.putEvents({"plant", "pump"}, "open");
-    exchange.send(headerBlock("getEvents", "plant", "valve"));
-    exchange.endOfSend();
-    EXPECT_EQ(exchange.receive(manager, buffer.data()), 4);
-    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::endOfReply);
+    getWithoutComplete();
     store.lost = true;
     EXPECT_THROW(exchange.complete(manager), StoreError);
     store.lost = false;
     EXPECT_EQ(store.getEvents({"plant", "valve"})->text, "open");
+}
+
+TEST_F(ExchangeTest, ACompleteThatFailedIsMadeUpForByTheNextExchange) {
+    getWithoutComplete();
+    store.lost = true;
+    EXPECT_THROW(exchange.complete(manager), StoreError);
+    exchange.abandon();
+    store.lost = false;
+    exchange.send(headerBlock("getEvents", "plant", "valve"));
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), Exchange::endOfReply);
+    EXPECT_EQ(store.getEvents({"plant", "valve"})->text, "");
+}
+
+TEST_F(ExchangeTest, ACompleteThatFailsForGoodIsToldWithTheNextExchangeOnce) {
+    getWithoutComplete();
+    store.lost = true;
+    EXPECT_THROW(exchange.complete(manager), StoreError);
+    exchange.abandon();
+    exchange.send(headerBlock("getStatus", "", "") + "echo");
+    exchange.endOfSend();
+    try {
+        exchange.receive(manager, buffer.data());
+        ADD_FAILURE() << "silent";
+    } catch (const StoreError& error) {
+        EXPECT_STREQ(error.what(),
+                     "The events of the last getEvents could not be taken out "
+                     "of the queue, and the next getEvents brings them again. "
+                     "This request was not carried out. The store is lost.");
+    }
+    exchange.abandon();
+    exchange.send(headerBlock("getStatus", "", "") + "echo");
+    exchange.endOfSend();
+    EXPECT_EQ(exchange.receive(manager, buffer.data()), 4);
 }
 
 TEST_F(ExchangeTest, AStoreLostBeforeTheReplyEndsInItsError) {

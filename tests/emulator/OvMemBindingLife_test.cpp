@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -130,6 +131,32 @@ TEST_F(OvMemBindingLife, AThreadLeavesNothingOnTheHostsHeap) {
     }).join();
     EXPECT_EQ(heap.live(), 0U);
     OvMem_Term();
+}
+
+TEST_F(OvMemBindingLife, TheLastEndGivesBackWhatOtherThreadsHave) {
+    CountedHeap heap;
+    EXPECT_EQ(OvMem_Init(&CountedHeap::allocate, &CountedHeap::release), 0);
+    std::promise<void> halfSent;
+    std::promise<void> ended;
+    std::thread other([&] {
+        OvMem_SendNoAck("Half a header");
+        OvMem_Receive(std::array<char, 16384>{}.data());
+        EXPECT_NE(lastError(), "(none)");
+        halfSent.set_value();
+        ended.get_future().wait();
+        const std::size_t calls = heap.calls();
+        EXPECT_EQ(OvMem_SendEOF(), -3016);
+        EXPECT_NE(lastError(), "(none)");
+        EXPECT_EQ(heap.calls(), calls);
+    });
+    halfSent.get_future().wait();
+    EXPECT_EQ(heap.live(), 2U);
+    OvMem_Term();
+    EXPECT_EQ(heap.live(), 0U);
+    const std::size_t calls = heap.calls();
+    ended.set_value();
+    other.join();
+    EXPECT_EQ(heap.calls(), calls);
 }
 
 TEST_F(OvMemBindingLife, AHostWithoutMemoryIsToldSo) {
@@ -265,9 +292,9 @@ TEST_F(OvMemBindingLife, AStoreThatFailsLaterIsReported) {
     useFile();
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(request("registerClient", "plant", "pump").status, -1);
+    EXPECT_EQ(request("registerClient", "plant", "valve").status, -1);
     SQLite::Database(folder.file("events.db"), SQLite::OPEN_READWRITE)
         .exec("DROP TABLE event");
-    request("registerClient", "plant", "valve");
     EXPECT_EQ(request("putEvents", "plant", "pump", "open"),
               (Outcome{-3001, "",
                        "The event store '" + folder.file("events.db") +

@@ -212,9 +212,9 @@ TEST(OvMemBindingUnstarted, AStoreThatCannotBeReachedIsRefused) {
     EXPECT_EQ(OvMem_Init(&std::malloc, &std::free), 1001);
     EXPECT_EQ(lastError(),
               "The store URL 'postgresql://host/events' names a PostgreSQL "
-              "store, which is not built in. Set OVMEM_STORE to sqlite:PATH, "
-              "sqlite:PATH?synchronous=NORMAL, sqlite:PATH?synchronous=FULL or "
-              "memory:.");
+              "store, which is not built in. Set OVMEM_STORE to sqlite:PATH or "
+              "memory:. Options of sqlite:PATH follow a '?', with '&' between "
+              "them: synchronous=NORMAL or FULL, access=OWNER or GROUP.");
     EXPECT_EQ(OvMem_SendEOF(), -3016) << "started after all";
     environment.set("OVMEM_STORE", "sqlite:" + folder.file("events.db"));
     EXPECT_EQ(OvMem_Init(&std::malloc, &std::free), 0);

@@ -219,13 +219,52 @@ TEST_F(OvMemBinding, AWholeRequestAlsoTakesThePlaceOfAHalfSentBody) {
               reply(""));
 }
 
-TEST_F(OvMemBinding, InAHalfSentBodyAHeaderBlockIsMoreOfTheBody) {
+TEST_F(OvMemBinding, AStreamedRequestAlsoTakesThePlaceOfAHalfSentBody) {
     join({"pump", "valve"});
-    const std::string block = headerBlock("getStatus", "", "");
+    for (const int parts : {0, 1, 2}) {
+        beginPut("pump");
+        for (int part = 0; part < parts; ++part) {
+            OvMem_SendNoAck(std::string(4098, 'x').c_str());
+        }
+        EXPECT_EQ(request("putEvents", "plant", "pump", "[tick]"),
+                  reply(sharedClients({"valve"})));
+        EXPECT_EQ(request("getEvents", "plant", "valve"), reply("[tick]"));
+    }
+}
+
+TEST_F(OvMemBinding, ABodyMayBeGivenUpMoreThanOnce) {
+    join({"pump", "valve"});
     beginPut("pump");
-    OvMem_SendNoAck("half ");
-    EXPECT_GT(OvMem_SendNoAck(block.c_str()), 0);
-    EXPECT_EQ(OvMem_SendEOF(), 0);
+    OvMem_SendNoAck("first ");
+    OvMem_SendNoAck(headerBlock("putEvents", "plant", "pump").c_str());
+    OvMem_SendEOF();
+    EXPECT_EQ(OvMem_Receive(buffer.data()), 19);
+    OvMem_SendNoAck("second ");
+    EXPECT_EQ(request("putEvents", "plant", "pump", "third"),
+              reply(sharedClients({"valve"})));
+    EXPECT_EQ(request("getEvents", "plant", "valve"), reply("third"));
+}
+
+TEST_F(OvMemBinding, ABodyMayEndLikeARequestAndIsStillWhole) {
+    join({"pump", "valve"});
+    const std::string block = headerBlock("unregisterClient", "plant", "valve");
+    EXPECT_EQ(streamedExchange(headerBlock("putEvents", "plant", "pump"),
+                               {std::string(4098, 'x'), block}),
+              reply(sharedClients({"valve"})));
+    EXPECT_EQ(request("getEvents", "plant", "valve"),
+              reply(std::string(4098, 'x') + block));
+}
+
+TEST_F(OvMemBinding, ABodyThatEndsLikeNoRequestIsNotAskedForAgain) {
+    join({"pump", "valve"});
+    beginPut("pump");
+    OvMem_SendNoAck("A=1\r\n\r\n");
+    OvMem_SendEOF();
     EXPECT_EQ(OvMem_Receive(buffer.data()), 20);
-    EXPECT_EQ(request("getEvents", "plant", "valve"), reply("half " + block));
+    beginPut("pump");
+    OvMem_SendNoAck((headerBlock("getStatus", "", "") + "more").c_str());
+    OvMem_SendEOF();
+    EXPECT_EQ(OvMem_Receive(buffer.data()), 20);
+    EXPECT_EQ(request("getEvents", "plant", "valve"),
+              reply("A=1\r\n\r\n" + headerBlock("getStatus", "", "") + "more"));
 }

@@ -1,5 +1,6 @@
 #include "emulator/store/SqliteStore.h"
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -14,9 +15,11 @@
 #include "emulator/store/SqliteFile.h"
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/FailingWrites.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::FailingWrites;
 using testing::ElementsAre;
 
 namespace {
@@ -37,12 +40,30 @@ protected:
     }
 
     std::string refusalToOpen() {
-        return refusal([this] { SqliteStore store(options); });
+        return refusal([this] { SqliteStore(options).open(); });
     }
 
     std::int64_t number(const char* query) {
         SQLite::Database file(options.path);
         return file.execAndGet(query).getInt64();
+    }
+
+    // As many events, which pump and valve have consumed.
+    void fillWithConsumed(int count) {
+        SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+        SQLite::Transaction transaction(file);
+        file.exec(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
+            "FROM n WHERE i < " +
+            std::to_string(count) +
+            ") INSERT INTO event SELECT 1, i, x'', 0, 'tick' FROM n");
+        file.exec("UPDATE server SET next = " + std::to_string(count + 1));
+        file.exec("UPDATE client SET cursor = " + std::to_string(count));
+        transaction.commit();
+    }
+
+    static Deadline soon() {
+        return std::chrono::steady_clock::now() + std::chrono::seconds(10);
     }
 
     OvMemTest::TemporaryFolder folder;
@@ -83,14 +104,14 @@ TEST_F(SqliteStoreTest, ClosingTheLastOneLeavesTheFileAndItsGateAlone) {
 TEST_F(SqliteStoreTest, TheFileIsOpenedAsTheOptionsSay) {
     constexpr int full = 2;
     constexpr int normal = 1;
-    const auto file = openSqliteFile(options);
+    const auto file = openSqliteFile(options, soon());
     EXPECT_EQ(file->execAndGet("PRAGMA journal_mode").getString(), "wal");
     EXPECT_EQ(file->execAndGet("PRAGMA synchronous").getInt(), full);
-    EXPECT_EQ(file->execAndGet("PRAGMA busy_timeout").getInt(), 50);
     options.synchronous = Synchronous::normal;
-    EXPECT_EQ(
-        openSqliteFile(options)->execAndGet("PRAGMA synchronous").getInt(),
-        normal);
+    EXPECT_EQ(openSqliteFile(options, soon())
+                  ->execAndGet("PRAGMA synchronous")
+                  .getInt(),
+              normal);
 }
 
 TEST_F(SqliteStoreTest, TwoStoresOfOneFileAreOneStore) {
@@ -120,7 +141,7 @@ TEST_F(SqliteStoreTest, AListIsKeptForAsLongAsTheEpochStays) {
     EXPECT_EQ(first.putEvents({"plant", "0"}, "d"), fewer);
 }
 
-TEST_F(SqliteStoreTest, ATrimRemovesAFewEventsAtATime) {
+TEST_F(SqliteStoreTest, APutRemovesAFewOfTheEventsThatAllHaveConsumed) {
     SqliteStore store(options);
     store.registerClient(pump);
     store.registerClient(valve);
@@ -128,14 +149,44 @@ TEST_F(SqliteStoreTest, ATrimRemovesAFewEventsAtATime) {
         store.putEvents(pump, "tick");
     }
     EXPECT_EQ(number("SELECT count(*) FROM event"), 100);
-    store.consume(valve, 100);
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 68);
+    SQLite::Database(options.path, SQLite::OPEN_READWRITE)
+        .exec("UPDATE client SET cursor = 100");
     store.putEvents(pump, "tick");
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 37);
-    store.consume(valve, 101);
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 5);
-    store.unregisterClient(valve);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 69);
+    store.putEvents(pump, "tick");
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 38);
+    store.consume(valve, 102);
     EXPECT_EQ(number("SELECT count(*) FROM event"), 0);
+}
+
+TEST_F(SqliteStoreTest, AHundredThousandConsumedEventsAreGoneAfterAFewGets) {
+    options.synchronous = Synchronous::normal;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    fillWithConsumed(100000);
+    int gets = 0;
+    for (; number("SELECT count(*) FROM event") > 0 && gets < 101; ++gets) {
+        store.consume(valve, 100000);
+    }
+    EXPECT_LE(gets, 100);
+}
+
+TEST_F(SqliteStoreTest, AServerWithoutClientsKeepsNoEvents) {
+    options.synchronous = Synchronous::normal;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    fillWithConsumed(100000);
+    store.unregisterClient(pump);
+    store.unregisterClient(valve);
+    // The rest goes with what clients of other servers do.
+    int commands = 0;
+    for (; number("SELECT count(*) FROM event") > 0 && commands < 101;
+         ++commands) {
+        store.registerClient({"office", std::to_string(commands)});
+    }
+    EXPECT_LE(commands, 100);
 }
 
 TEST_F(SqliteStoreTest, NumbersGoOnAfterTheLastClientHasLeft) {
@@ -188,31 +239,72 @@ TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
 }
 
 TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
-    { SqliteStore store(options); }
+    SqliteStore(options).registerClient(pump);
     SQLite::Database(options.path, SQLite::OPEN_READWRITE)
-        .exec("PRAGMA user_version = 2");
+        .exec("PRAGMA user_version = 3");
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
                   "' was written by another version. Use that version, or set "
                   "OVMEM_STORE to a new file.");
 }
 
+TEST_F(SqliteStoreTest, AStoreWithTriggersOfAnotherProgramIsRefused) {
+    SqliteStore(options).registerClient(pump);
+    SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+    const std::string text =
+        "The event store '" + options.path +
+        "' holds tables, views or triggers that are not its own, or lacks "
+        "some that are. Set OVMEM_STORE to a file that no other program "
+        "changes.";
+    file.exec(
+        "CREATE TRIGGER spy AFTER INSERT ON event "
+        "BEGIN DELETE FROM event; END");
+    EXPECT_EQ(refusalToOpen(), text);
+    file.exec("DROP TRIGGER spy");
+    EXPECT_EQ(refusalToOpen(), "no refusal");
+    file.exec("DROP INDEX client_cursor");
+    EXPECT_EQ(refusalToOpen(), text);
+}
+
+TEST_F(SqliteStoreTest, AnEventThatWasAlteredIsNotDelivered) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, "12345678-1");
+    store.putEvents(pump, "12345678-2");
+    SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+    const std::string text =
+        "Event 2 of the event store '" + options.path +
+        "' is not what was put: the file is damaged. Check the disk. To go "
+        "on without what is queued, unregister the client and register it "
+        "again.";
+    for (const char* change :
+         {"SET body = CAST('12345678-3' AS BLOB)",
+          "SET body = CAST('12345678-2x' AS BLOB)", "SET checksum = 1"}) {
+        file.exec("BEGIN");
+        file.exec(std::string("UPDATE event ") + change + " WHERE number = 2");
+        file.exec("COMMIT");
+        EXPECT_EQ(refusal([&] { store.getEvents(valve); }), text) << change;
+        store.unregisterClient(valve);
+        store.registerClient(valve);
+        EXPECT_EQ(store.getEvents(valve)->text, "");
+        file.exec("DELETE FROM event");
+        file.exec("UPDATE server SET next = 1");
+        file.exec("UPDATE client SET cursor = 0");
+        store.putEvents(pump, "12345678-1");
+        store.putEvents(pump, "12345678-2");
+    }
+    EXPECT_EQ(store.getEvents(valve)->text, "12345678-112345678-2");
+}
+
 TEST_F(SqliteStoreTest, AFolderInPlaceOfTheFileIsReported) {
     std::filesystem::create_directory(options.path);
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
-                  "' cannot be used (unable to open database file). Make the "
+                  "' cannot be used (unable to open database file: Is a "
+                  "directory). Make the "
                   "file and its folder readable and writable, or set "
                   "OVMEM_STORE to another file.");
-}
-
-TEST_F(SqliteStoreTest, AFolderThatIsNotThereIsReported) {
-    options.path = folder.file("nowhere/events.db");
-    EXPECT_EQ(refusalToOpen(),
-              "The gate file '" + options.path +
-                  ".gate' of the event store cannot be locked (No such file "
-                  "or directory). Make its folder writable, or set "
-                  "OVMEM_STORE to a place that is.");
 }
 
 TEST_F(SqliteStoreTest, ALockOfAnotherProgramTimesOutAndHarmsNothing) {
@@ -223,8 +315,9 @@ TEST_F(SqliteStoreTest, ALockOfAnotherProgramTimesOutAndHarmsNothing) {
     other.exec("BEGIN IMMEDIATE");
     EXPECT_EQ(refusal([&] { store.putEvents(pump, "lost"); }),
               "The event store '" + options.path +
-                  "' is locked by another program (database is locked). Find "
-                  "what keeps it open for writing, then repeat the call.");
+                  "' is locked: another part of this process holds its lock "
+                  "(database is locked). Let that process go on or end it, "
+                  "then repeat the call.");
     EXPECT_EQ(store.getEvents(valve)->text, "");
     other.exec("ROLLBACK");
     store.putEvents(pump, "found");
@@ -242,10 +335,38 @@ TEST_F(SqliteStoreTest, ALockOfAnotherProgramIsWaitedFor) {
     release.join();
 }
 
+TEST_F(SqliteStoreTest, ADiskThatTheLogFillsIsFreedByWritingItBack) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    store.putEvents(pump, std::string(100000, 'x'));
+    {
+        const FailingWrites full(ENOSPC, options.path + "-wal", 100000);
+        store.putEvents(pump, "found room");
+    }
+    EXPECT_EQ(store.getEvents(valve)->text,
+              std::string(100000, 'x') + "found room");
+}
+
+TEST_F(SqliteStoreTest, ADiskThatIsFullAllTheSameIsReportedAndHarmsNothing) {
+    SqliteStore store(options);
+    store.registerClient(pump);
+    store.registerClient(valve);
+    {
+        const FailingWrites full(ENOSPC, options.path + "-wal", 0);
+        EXPECT_EQ(refusal([&] { store.putEvents(pump, "lost"); }),
+                  "The event store '" + options.path +
+                      "' has no room left (database or disk is full). Free "
+                      "space on its disk, then repeat the call.");
+    }
+    store.putEvents(pump, "found");
+    EXPECT_EQ(store.getEvents(valve)->text, "found");
+}
+
 TEST_F(SqliteStoreTest, TheTimeBeforeACallIsTakenOffItsWaiting) {
     using std::chrono::steady_clock;
     options.busyTimeoutMilliseconds = 60000;
-    SqliteSession session(options);
+    SqliteSession session(options, soon());
     SQLite::Database other(options.path, SQLite::OPEN_READWRITE);
     other.exec("BEGIN IMMEDIATE");
     const auto start = steady_clock::now();

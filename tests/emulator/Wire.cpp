@@ -66,11 +66,14 @@ Outcome streamedExchange(const std::string& block,
             return failure(status);
         }
     }
-    status = OvMem_SendEOF();
-    if (status < 0) {
-        return failure(status);
-    }
-    status = OvMem_Receive(buffer.data());
+    // Whoever is asked again has nothing more.
+    do {
+        status = OvMem_SendEOF();
+        if (status < 0) {
+            return failure(status);
+        }
+        status = OvMem_Receive(buffer.data());
+    } while (status == sendBody);
     return status == replyFollows ? readReply() : failure(status);
 }
 

@@ -26,6 +26,12 @@ void* operator new(std::size_t size) {
     return block;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    void* block = FailingHeap::refuses() ? nullptr : std::malloc(size);
+    FailingHeap::taken(block);
+    return block;
+}
+
 void* operator new[](std::size_t size) {
     return operator new(size);
 }

@@ -6,7 +6,7 @@
 // die-before: kills itself, as kill -9 would, when the library has the whole
 //     reply and is about to complete the exchange
 // die-after: kills itself when the exchange is complete
-// refuse: does not complete the exchange, as when the store has no room
+// refuse: does not complete the exchange, as a transport that fails there
 // complete: completes it
 //
 // What is put comes from standard input; what was got goes to standard output.

@@ -1,0 +1,53 @@
+#include "emulator/store/FolderWatch.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Orvane::Net::OvModelEventManager::Emulator {
+
+namespace {
+
+constexpr long nanosecondsOfAMillisecond = 1000000;
+constexpr long coarseness = 100;  // milliseconds, much more than any tick
+
+bool isSame(const std::timespec& one, const std::timespec& other) {
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+bool isLongPast(const std::timespec& change) {
+    std::timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const long milliseconds =
+        (now.tv_sec - change.tv_sec) * 1000 +
+        (now.tv_nsec - change.tv_nsec) / nanosecondsOfAMillisecond;
+    return milliseconds > coarseness;
+}
+
+}  // namespace
+
+FolderWatch::FolderWatch(const std::string& path)
+    : folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+
+FolderWatch::~FolderWatch() {
+    if (folder >= 0) {
+        ::close(folder);
+    }
+}
+
+bool FolderWatch::isUnchanged() noexcept {
+    struct stat status {};
+    if (folder < 0 || ::fstat(folder, &status) != 0) {
+        settled = false;
+        return false;
+    }
+    seen = status.st_mtim;
+    return settled && isSame(seen, trusted);
+}
+
+void FolderWatch::accept() noexcept {
+    trusted = seen;
+    settled = folder >= 0 && isLongPast(seen);
+}
+
+}  // namespace Orvane::Net::OvModelEventManager::Emulator

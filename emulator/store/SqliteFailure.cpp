@@ -1,0 +1,99 @@
+#include "emulator/store/SqliteFailure.h"
+
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include "emulator/store/LockHolder.h"
+#include "emulator/store/StoreError.h"
+
+namespace Orvane::Net::OvModelEventManager::Emulator {
+
+namespace {
+
+constexpr const char* freeSpace =
+    "Free space on its disk, then repeat the call.";
+
+const char* adviceFor(int systemError) {
+    switch (systemError) {
+        case EIO:
+            return "Repeat the call. If it fails again, check the disk.";
+        case ENOSPC:
+        case EDQUOT:
+            return freeSpace;
+        case EMFILE:
+        case ENFILE:
+            return "Close files or raise the limit of open files, then repeat "
+                   "the call.";
+        case ENOLCK:
+            return "Set OVMEM_STORE to a file on a local file system, or free "
+                   "locks of files, then repeat the call.";
+        default:
+            return "Make the file and its folder readable and writable, or "
+                   "set OVMEM_STORE to another file.";
+    }
+}
+
+// Whether an error comes from a system call.
+bool isOfSystem(int code) {
+    return code == SQLITE_IOERR || code == SQLITE_CANTOPEN ||
+           code == SQLITE_READONLY;
+}
+
+// SQLite's connection is gone, so the question is put again.
+int errorOfOpening(const std::string& path) {
+    const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
+    const int error = file < 0 ? errno : 0;
+    if (file >= 0) {
+        ::close(file);
+    }
+    return error;
+}
+
+}  // namespace
+
+void throwSqliteFailure(const SQLite::Exception& error, const std::string& path,
+                        int systemError) {
+    const int code = error.getErrorCode();
+    if (code == SQLITE_NOMEM) {
+        throw std::bad_alloc();
+    }
+    if (code == SQLITE_CANTOPEN && systemError == 0) {
+        systemError = errorOfOpening(path);
+    }
+    if (!isOfSystem(code)) {
+        systemError = 0;
+    }
+    const std::string store = "The event store '" + path + "' ";
+    std::string reason = " (" + std::string(error.what());
+    if (systemError != 0) {
+        reason += ": " + std::string(std::strerror(systemError));
+    }
+    reason += "). ";
+    switch (code) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            throw StoreError(
+                store +
+                "is locked: " + describeLockHolder({path + "-shm", path}) +
+                " holds its lock" + reason +
+                "Let that process go on or end it, then repeat the call.");
+        case SQLITE_NOTADB:
+        case SQLITE_CORRUPT:
+            throw StoreError(store + "is damaged or not a store" + reason +
+                             "Move the file away, or set OVMEM_STORE to "
+                             "another one.");
+        case SQLITE_FULL:
+            throw StoreError(store + "has no room left" + reason + freeSpace);
+        default:
+            throw StoreError(store + "cannot be used" + reason +
+                             adviceFor(systemError));
+    }
+}
+
+}  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -1,0 +1,263 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "emulator/store/SqliteStore.h"
+#include "emulator/store/StoreError.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+using namespace Orvane::Net::OvModelEventManager::Emulator;
+using namespace std::chrono_literals;
+using OvMemTest::ChildProcess;
+using testing::ElementsAre;
+
+// Rights, names and identity of the files of a store.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const Identity pump{"plant", "pump"};
+const Identity valve{"plant", "valve"};
+
+std::string refusal(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const StoreError& error) {
+        return error.what();
+    }
+    return "no refusal";
+}
+
+unsigned rightsOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777U;
+}
+
+class SqliteStoreFiles : public testing::Test {
+protected:
+    SqliteStoreFiles() : before(::umask(0)) {}
+    ~SqliteStoreFiles() override { ::umask(before); }
+
+    static void registerBoth(SqliteStore& store) {
+        store.registerClient(pump);
+        store.registerClient(valve);
+    }
+
+    std::vector<unsigned> rights() const {
+        std::vector<unsigned> all;
+        for (const char* end : {"", "-wal", "-shm", ".gate"}) {
+            all.push_back(rightsOf(options.path + end));
+        }
+        return all;
+    }
+
+    // What valve gets from the store that bears the name now.
+    std::string pending() const {
+        return SqliteStore(options).getEvents(valve).value().text;
+    }
+
+    OvMemTest::TemporaryFolder folder;
+    SqliteOptions options{folder.file("a/b/events.db")};
+
+private:
+    const mode_t before;
+};
+
+}  // namespace
+
+TEST_F(SqliteStoreFiles, OnlyItsOwnerMayUseAStoreWhateverTheUmask) {
+    for (const mode_t mask : {0, 022, 0777}) {
+        ::umask(mask);
+        SqliteStore store(options);
+        store.registerClient(pump);
+        EXPECT_THAT(rights(), ElementsAre(0600, 0600, 0600, 0600));
+        EXPECT_EQ(rightsOf(folder.file("a")), 0700U);
+        EXPECT_EQ(rightsOf(folder.file("a/b")), 0700U);
+        ::umask(0);
+        fs::remove_all(folder.file("a"));
+    }
+}
+
+TEST_F(SqliteStoreFiles, AGroupMayUseAStoreIfTheUrlSaysSo) {
+    ::umask(077);
+    options.access = Access::group;
+    SqliteStore store(options);
+    store.registerClient(pump);
+    EXPECT_THAT(rights(), ElementsAre(0660, 0660, 0660, 0660));
+    EXPECT_EQ(rightsOf(folder.file("a/b")), 02770U);
+}
+
+TEST_F(SqliteStoreFiles, TwoUsersOfAGroupShareAStore) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can be two users";
+    }
+    constexpr gid_t group = 54321;
+    fs::create_directory(folder.file("a"));
+    ::chmod(fs::path(folder.file("a")).parent_path().c_str(), 0755);
+    ASSERT_EQ(::chown(folder.file("a").c_str(), 0, group), 0);
+    ASSERT_EQ(::chmod(folder.file("a").c_str(), 02770), 0);
+    options.access = Access::group;
+    for (const uid_t user : {50001U, 50002U, 50001U}) {
+        ChildProcess child([&] {
+            ::umask(077);
+            if (::setgid(group) != 0 || ::setuid(user) != 0) {
+                return 1;
+            }
+            SqliteStore store(options);
+            registerBoth(store);
+            store.putEvents(pump, std::to_string(user) + ";");
+            return 0;
+        });
+        ASSERT_TRUE(child.awaitEnd(30s));
+        EXPECT_EQ(child.exitStatus(), 0) << child.errors();
+    }
+    EXPECT_EQ(pending(), "50001;50002;50001;");
+}
+
+TEST_F(SqliteStoreFiles, AStoreIsMadeByTheFirstRegistrationAndByNothingElse) {
+    {
+        SqliteStore store(options);
+        store.open();
+        EXPECT_EQ(store.sharedClients(pump), nullptr);
+        EXPECT_EQ(store.unregisterClient(pump), nullptr);
+        EXPECT_EQ(store.putEvents(pump, "x"), nullptr);
+        EXPECT_EQ(store.getEvents(pump), std::nullopt);
+        store.consume(pump, 1);
+    }
+    EXPECT_FALSE(fs::exists(folder.file("a")));
+    SqliteStore(options).registerClient(pump);
+    EXPECT_TRUE(fs::exists(options.path));
+}
+
+TEST_F(SqliteStoreFiles, AFileInPlaceOfAFolderIsReportedBeforeAnythingIsMade) {
+    folder.write("a", "not a folder");
+    const std::string text =
+        "The folder '" + folder.file("a/b") +
+        "' of the event store cannot be made (Not a directory). Make it "
+        "yourself, or set OVMEM_STORE to another place.";
+    SqliteStore store(options);
+    EXPECT_EQ(refusal([&] { store.open(); }), text);
+    EXPECT_EQ(refusal([&] { store.registerClient(pump); }), text);
+}
+
+TEST_F(SqliteStoreFiles, ALinkInPlaceOfAFileIsRefused) {
+    { SqliteStore(options).registerClient(pump); }
+    for (const char* end : {"", ".gate", "-wal", "-shm"}) {
+        const std::string path = options.path + end;
+        fs::path elsewhere = folder.file("elsewhere");
+        if (fs::exists(path)) {
+            fs::rename(path, elsewhere);
+        }
+        fs::create_symlink(elsewhere, path);
+        EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+                  "The file '" + path +
+                      "' of the event store is a symbolic link. Set "
+                      "OVMEM_STORE to the file itself, or to another one.");
+        fs::remove(path);
+        if (fs::exists(elsewhere)) {
+            fs::rename(elsewhere, path);
+        }
+    }
+    SqliteStore(options).open();
+}
+
+TEST_F(SqliteStoreFiles, AFolderMayBeReachedThroughALink) {
+    fs::create_directory(folder.file("real"));
+    fs::create_directory_symlink(folder.file("real"), folder.file("a"));
+    SqliteStore store(options);
+    registerBoth(store);
+    store.putEvents(pump, "x");
+    EXPECT_EQ(pending(), "x");
+}
+
+TEST_F(SqliteStoreFiles, AStoreWithASecondNameIsRefused) {
+    { SqliteStore(options).registerClient(pump); }
+    fs::create_hard_link(options.path, folder.file("second"));
+    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+              "The file '" + options.path +
+                  "' of the event store has several names. Set OVMEM_STORE to "
+                  "the file itself, or to another one.");
+}
+
+TEST_F(SqliteStoreFiles, AStoreThatHasVanishedIsNotTakenForANewOne) {
+    { SqliteStore(options).registerClient(pump); }
+    fs::remove(options.path);
+    const std::string text =
+        "The event store '" + options.path + "' has vanished, and its gate '" +
+        options.path +
+        ".gate' is still there. Put the store back, or remove the gate to "
+        "begin with an empty one.";
+    SqliteStore store(options);
+    EXPECT_EQ(refusal([&] { store.open(); }), text);
+    EXPECT_EQ(refusal([&] { store.registerClient(pump); }), text);
+    fs::remove(options.path + ".gate");
+    EXPECT_THAT(*store.registerClient(valve), ElementsAre("valve"));
+}
+
+TEST_F(SqliteStoreFiles, AStoreThatWasEmptiedIsNotTakenForANewOne) {
+    { SqliteStore(options).registerClient(pump); }
+    fs::resize_file(options.path, 0);
+    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+              "The event store '" + options.path +
+                  "' has been emptied, and its gate '" + options.path +
+                  ".gate' is still there. Put the store back, or remove the "
+                  "gate to begin with an empty one.");
+}
+
+TEST_F(SqliteStoreFiles, AnotherStoreOfTheSameNameIsNoticedByTheNextPut) {
+    SqliteStore store(options);
+    registerBoth(store);
+    store.putEvents(pump, "old;");
+    SqliteOptions other = options;
+    other.path = folder.file("other.db");
+    {
+        SqliteStore prepared(other);
+        registerBoth(prepared);
+    }
+    for (const char* end : {"-wal", "-shm"}) {
+        fs::remove(options.path + end);
+    }
+    fs::rename(other.path, options.path);
+    ASSERT_NE(store.putEvents(pump, "new;"), nullptr);
+    EXPECT_EQ(pending(), "new;");
+}
+
+TEST_F(SqliteStoreFiles, AStoreThatVanishesUnderAProcessTakesNoMorePuts) {
+    SqliteStore store(options);
+    registerBoth(store);
+    fs::rename(options.path, folder.file("moved.db"));
+    EXPECT_THAT(refusal([&] { store.putEvents(pump, "x"); }),
+                testing::StartsWith("The event store '" + options.path +
+                                    "' has vanished"));
+}
+
+TEST_F(SqliteStoreFiles, WhatIsInALogThatLostItsNameIsNotLost) {
+    SqliteStore store(options);
+    registerBoth(store);
+    store.putEvents(pump, "before;");
+    fs::remove(options.path + "-wal");
+    store.putEvents(pump, "after;");
+    EXPECT_EQ(pending(), "before;after;");
+}
+
+TEST_F(SqliteStoreFiles, AnIndexOrAGateThatLostItsNameLosesNothing) {
+    SqliteStore store(options);
+    registerBoth(store);
+    for (const char* end : {"-shm", ".gate"}) {
+        store.putEvents(pump, "before;");
+        fs::remove(options.path + end);
+        store.putEvents(pump, "after;");
+    }
+    EXPECT_EQ(pending(), "before;after;before;after;");
+}
