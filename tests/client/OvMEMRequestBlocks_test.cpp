@@ -72,7 +72,7 @@ protected:
 };
 
 TEST_F(OvMEMRequestBlocks, AStreamedBodyStaysWithinTheBlocksOfItsChunks) {
-    for (const std::size_t length : {0, 1, 4097, 4098, 4099, 8196}) {
+    for (const std::size_t length : {0U, 1U, 4097U, 4098U, 4099U, 8196U}) {
         std::istringstream stream(std::string(length, 'e'));
         OvMEMRequest request;
         request.setRequestStream(&stream);
@@ -84,7 +84,7 @@ TEST_F(OvMEMRequestBlocks, AStreamedBodyStaysWithinTheBlocksOfItsChunks) {
 }
 
 TEST_F(OvMEMRequestBlocks, AConversionStaysWithinItsBuffers) {
-    for (const std::size_t length : {0, 1, 20479, 20480, 20481, 50000}) {
+    for (const std::size_t length : {0U, 1U, 20479U, 20480U, 20481U, 50000U}) {
         OvMEMRequest request;
         request.setHeader("Name", std::string(length, '\xE9').c_str());
         std::istringstream stream;

@@ -77,7 +77,7 @@ private:
 }  // namespace
 
 TEST_F(SqliteStoreFiles, OnlyItsOwnerMayUseAStoreWhateverTheUmask) {
-    for (const mode_t mask : {0, 022, 0777}) {
+    for (const mode_t mask : {0U, 022U, 0777U}) {
         ::umask(mask);
         SqliteStore store(options);
         store.registerClient(pump);

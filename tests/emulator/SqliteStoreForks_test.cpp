@@ -1,6 +1,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -138,15 +139,15 @@ TEST_F(SqliteStoreForks, AChildThatClosesInheritedFilesHarmsNeitherItsNorOurs) {
         for (int file = 3; file < 64; ++file) {
             ::close(file);
         }
-        const auto name = [this](int i) {
+        const auto name = [this](std::size_t i) {
             return folder.file("own" + std::to_string(i));
         };
         std::array<int, 20> files{};
-        for (int i = 0; i < 20; ++i) {
+        for (std::size_t i = 0; i < files.size(); ++i) {
             files.at(i) = ::open(name(i).c_str(), O_RDWR | O_CREAT, 0600);
         }
         store.putEvents(pump, "child;");
-        for (int i = 0; i < 20; ++i) {
+        for (std::size_t i = 0; i < files.size(); ++i) {
             if (::write(files.at(i), "mine", 4) != 4 ||
                 std::filesystem::file_size(name(i)) != 4) {
                 return 1;
