@@ -6,7 +6,6 @@ namespace ovmem::cli {
 
 namespace {
 
-const int STATUS_FAILED = -1;
 const int NOT_REGISTERED = -2;
 
 const char REMOVE_CAUSE[] = "Remove the cause, then try again.";

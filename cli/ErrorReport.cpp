@@ -18,8 +18,6 @@ namespace Util = Orvane::Net::OvModelEventManager::Util;
 
 namespace {
 
-const int STATUS_FAILED = -1;
-
 std::string sentence(std::string words) {
     words.front() = static_cast<char>(std::toupper(words.front()));
     return words;

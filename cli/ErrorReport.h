@@ -9,6 +9,9 @@
 
 namespace ovmem::cli {
 
+// The type code of a failed status check.
+inline constexpr int STATUS_FAILED = -1;
+
 // A caught exception in words: everything that ovmem tells about a failure.
 struct ErrorReport {
     ExitCode exitCode;

@@ -11,8 +11,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "cli/Failure.h"
-
 namespace ovmem::cli {
 
 namespace {
@@ -20,22 +18,9 @@ namespace {
 const char STANDARD_INPUT[] = "-";
 const std::size_t BLOCK_SIZE = 65536;
 
-Failure hasNul(std::size_t offset, const std::string& name) {
-    return {ExitCode::Usage,
-            "The byte at offset " + std::to_string(offset) + " of " + name +
-                " is NUL; the transport carries texts and would drop what "
-                "follows it.",
-            "Nothing was sent. Remove the NUL bytes, or send the data "
-            "encoded, for instance with base64."};
-}
-
 void requireRoom(std::size_t taken, std::size_t more) {
     if (more > MAX_EVENT_BYTES - taken) {
-        throw Failure{ExitCode::Usage,
-                      "The events are longer than " +
-                          std::to_string(MAX_EVENT_BYTES) +
-                          " bytes, the most that one put carries.",
-                      "Nothing was sent. Put them in several parts."};
+        throw tooManyBytes("Nothing was sent. Put them in several parts.");
     }
 }
 
@@ -99,7 +84,9 @@ private:
                 std::string& text) const {
         const std::size_t nul = block.find('\0');
         if (nul != std::string_view::npos) {
-            throw hasNul(text.size() - begin + nul, name);
+            throw hasNul(text.size() - begin + nul, name,
+                         "Nothing was sent. Remove the NUL bytes, or send the "
+                         "data encoded, for instance with base64.");
         }
         requireRoom(text.size(), block.size());
         text += block;
@@ -147,6 +134,22 @@ void requireUsable(const std::vector<std::string>& files) {
 }
 
 }  // namespace
+
+Failure hasNul(std::size_t offset, const std::string& name,
+               const std::string& advice) {
+    return {ExitCode::Usage,
+            "The byte at offset " + std::to_string(offset) + " of " + name +
+                " is NUL; the transport carries texts and would drop what "
+                "follows it.",
+            advice};
+}
+
+Failure tooManyBytes(const std::string& advice) {
+    return {ExitCode::Usage,
+            "The events are longer than " + std::to_string(MAX_EVENT_BYTES) +
+                " bytes, the most that one put carries.",
+            advice};
+}
 
 std::string readEvents(const std::vector<std::string>& files) {
     if (files.empty()) {

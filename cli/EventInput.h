@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Failure.h"
+
 namespace ovmem::cli {
 
 // The most that one put carries, in bytes: 512 MiB, as much as the emulator
@@ -24,6 +26,12 @@ inline constexpr std::size_t MAX_EVENT_BYTES = 512 * 1024 * 1024;
 // standard input named twice; with ExitCode::InputOutput for a file that
 // cannot be read.
 std::string readEvents(const std::vector<std::string>& files);
+
+// What refuses events that a put cannot carry: for the NUL at `offset` of what
+// `name` says, and for more than MAX_EVENT_BYTES.
+Failure hasNul(std::size_t offset, const std::string& name,
+               const std::string& advice);
+Failure tooManyBytes(const std::string& advice);
 
 }  // namespace ovmem::cli
 

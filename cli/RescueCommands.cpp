@@ -58,13 +58,9 @@ std::string toLines(const std::vector<SavedFile>& files) {
 void refuseNul(const std::string& events, const std::string& name) {
     const std::size_t nul = events.find('\0');
     if (nul != std::string::npos) {
-        throw Failure{ExitCode::Usage,
-                      "The byte at offset " + std::to_string(nul) + " of " +
-                          name +
-                          " is NUL; the transport carries texts and would "
-                          "drop what follows it.",
-                      "Nothing was sent. 'ovmem rescue show' writes the events "
-                      "as they are."};
+        throw hasNul(nul, name,
+                     "Nothing was sent. 'ovmem rescue show' writes the events "
+                     "as they are.");
     }
 }
 
@@ -72,13 +68,10 @@ void requireRoom(const std::list<SavedEvents>& files) {
     std::size_t room = MAX_EVENT_BYTES;
     for (const SavedEvents& file : files) {
         if (file.bytes() > room) {
-            throw Failure{ExitCode::Usage,
-                          "The events are longer than " +
-                              std::to_string(MAX_EVENT_BYTES) +
-                              " bytes, the most that one put carries.",
-                          "Nothing was sent. Put back fewer files at once; one "
-                          "that is too large alone can be written with 'ovmem "
-                          "rescue show' and put in several parts."};
+            throw tooManyBytes(
+                "Nothing was sent. Put back fewer files at once; one that is "
+                "too large alone can be written with 'ovmem rescue show' and "
+                "put in several parts.");
         }
         room -= file.bytes();
     }
