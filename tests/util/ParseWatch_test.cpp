@@ -75,6 +75,30 @@ TEST_F(ParseWatchTest, WhateverHasContentIsALookAtTheTime) {
               over);
 }
 
+// Eight declarations cost 64 bytes each and, when a prefix is looked up among
+// them, one byte together.
+TEST_F(ParseWatchTest, DeclarationsOfAnEmptyElementAreNotInScopeAfterIt) {
+    xercesc::RefVectorOf<xercesc::XMLAttr> declarations(8);
+    for (int i = 0; i < 8; ++i) {
+        declarations.addElement(
+            new xercesc::XMLAttr(0, text, XMLUni::fgXMLNSString, text));
+    }
+    for (const bool isEmpty : {true, false}) {
+        TreeBudget::setLimits(0, 8 * 64 + 1);
+        TreeBudget budget;
+        ParseTime time;
+        ParseWatch watch(budget, time);
+        EXPECT_EQ(thrownBy([&] {
+                      watch.startElement(declaration, 0, text, declarations, 8,
+                                         isEmpty, false);
+                  }),
+                  nothingThrown);
+        const Thrown later = thrownBy([&] { budget.lookUp(1); });
+        EXPECT_EQ(later == nothingThrown, isEmpty) << later;
+        TreeBudget::liftLimits();
+    }
+}
+
 TEST_F(ParseWatchTest, TheEndOfAnElementIsALookAtTheTime) {
     TreeBudget budget;
     ParseTime::setLimit(std::chrono::milliseconds(0));

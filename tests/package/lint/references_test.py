@@ -23,7 +23,8 @@ class References(unittest.TestCase):
 
     def test_what_only_resembles_a_forbidden_text_passes(self):
         for text in ["the XML specificat" + "ion", "a partial specialization",
-                     "Part of 1.3", "${HOME}/home/x", "build/work/x", "&#9;"]:
+                     "Par" + "t of 1.3", "${HOME}/ho" + "me/x", "build/wo" + "rk/x",
+                     "&#9;"]:
             with self.subTest(text=text):
                 self.assertEqual([], findings(references, {"a.md": text + "\n"}))
 
