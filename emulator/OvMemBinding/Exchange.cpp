@@ -2,12 +2,16 @@
 
 #include <utility>
 
+#include "emulator/OvMemBinding/SpentPages.h"
 #include "emulator/manager/Refusal.h"
 #include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 namespace {
+
+// So much of a reply is received before it is given back, to save system calls.
+constexpr std::size_t givenBackAtOnce = 1024 * 1024;
 
 Refusal outOfOrder(const char* text) {
     return Refusal(Status::outOfOrder, text);
@@ -127,6 +131,7 @@ void Exchange::abandon() noexcept {
     doubt.reset();
     reply = Reply();
     received = 0;
+    givenBack = 0;
 }
 
 void Exchange::beginBody() noexcept {
@@ -192,7 +197,18 @@ std::int32_t Exchange::nextChunk(char* buffer) {
     }
     const std::size_t length = rest.copy(buffer, chunkSize);
     received += length;
+    giveBackReceived();
     return static_cast<std::int32_t>(length);
+}
+
+// The text of events is this reply's own; a list of clients may serve others.
+// What was received is never read again, whatever becomes of the exchange.
+void Exchange::giveBackReceived() noexcept {
+    if (reply.consumption && received - givenBack >= givenBackAtOnce) {
+        giveBackPages(std::string_view(*reply.text)
+                          .substr(givenBack, received - givenBack));
+        givenBack = received;
+    }
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -103,6 +103,9 @@ private:
     void startReply(EventManager& manager, std::string_view body);
     std::int32_t nextChunk(char* buffer);
 
+    // What was received of many events need not be held twice.
+    void giveBackReceived() noexcept;
+
     Limits limits;
     State state = State::idle;
     HostBytes request;         // the header block, the body or both
@@ -112,6 +115,7 @@ private:
     Reply reply;
     std::optional<Consumption> owed;  // by a complete that failed
     std::size_t received = 0;         // bytes of the reply
+    std::size_t givenBack = 0;        // of these, to the system
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

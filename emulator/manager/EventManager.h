@@ -14,10 +14,12 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 
 class SharedClientsReplies;
 
-// What leaves the caller's queue once it has the whole reply.
+// What leaves the caller's queue once it has the whole reply. Until then, as
+// long as this exists, nobody else gets it.
 struct Consumption {
     Identity caller;
     std::int64_t upto = 0;
+    std::shared_ptr<Lease> lease;
 };
 
 struct Reply {
@@ -31,7 +33,8 @@ struct Reply {
 // one of them puts is queued for all the others registered at that moment. A
 // get answers with all that is queued for the caller, in commit order, and
 // takes nothing away: the next get begins with the same bytes until complete
-// says that the client has them.
+// says that the client has them. It is made for one getter of a client at a
+// time; the others wait.
 //
 // It keeps nothing itself and is made for the call at hand.
 class EventManager {
@@ -50,6 +53,8 @@ public:
     void complete(const Consumption& consumption);
 
 private:
+    Reply events(const RequestHeader& header);
+    Reply putEvents(const RequestHeader& header, std::string_view events);
     Reply sharedClients(const RequestHeader& header, const ClientList& clients);
 
     EventStore& store;

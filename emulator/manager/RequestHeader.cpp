@@ -116,6 +116,13 @@ std::string requireIdentity(const Headers& headers, const char* name,
     return std::string(header->second);
 }
 
+std::string correlationOf(const Headers& headers) {
+    const auto header = headers.find("Log-Correlation-ID");
+    return header == headers.end() || header->second == "ovmem.put"
+               ? std::string()
+               : std::string(header->second);
+}
+
 }  // namespace
 
 const char* operationName(Operation operation) {
@@ -137,6 +144,7 @@ RequestHeader RequestHeader::parse(std::string_view block) {
             requireIdentity(headers, "Server-ID", request.operation);
         request.caller.clientId =
             requireIdentity(headers, "Client-ID", request.operation);
+        request.correlation = correlationOf(headers);
     }
     return request;
 }

@@ -1,6 +1,7 @@
 #ifndef EMULATOR_MANAGER_REQUESTHEADER_H
 #define EMULATOR_MANAGER_REQUESTHEADER_H
 
+#include <string>
 #include <string_view>
 
 #include "emulator/store/EventStore.h"
@@ -25,6 +26,11 @@ const char* operationName(Operation operation);
 struct RequestHeader {
     Operation operation = Operation::getStatus;
     Identity caller;  // empty for getStatus
+
+    // By which a put is known when it is repeated: Log-Correlation-ID. Empty if
+    // there is none, and for "ovmem.put", which the tool sends when it was
+    // given none: that names no put.
+    std::string correlation;
 
     // THROWS: Refusal (malformed) for a block of any other form, a name given
     // twice, another service, an unknown operation, or an operation on a client

@@ -6,11 +6,15 @@
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-// A number by which a stored event is known to be what was put, at its place in
-// its queue. It finds what a disk or another program has altered by accident;
-// it is no protection against somebody who means it.
-std::int64_t eventChecksum(std::int64_t server, std::int64_t number,
-                           std::string_view body);
+// A stored event has two checksums (Checksum).
+
+// Over its place and who sent it: so that a client can pass over an event of
+// its own without reading the body.
+std::int64_t originChecksum(std::int64_t server, std::int64_t number,
+                            std::string_view sender);
+
+// Over all of it.
+std::int64_t eventChecksum(std::int64_t origin, std::string_view body);
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator
 

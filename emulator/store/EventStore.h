@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "emulator/store/Lease.h"
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // Who calls: a client and the server under which it shares events.
@@ -62,6 +64,9 @@ public:
 
     // A new client gets events from now on; one already there keeps its queue.
     // Never null.
+    //
+    // THROWS: ClientListTooLong, too, for a new client; nothing is changed
+    // then.
     virtual ClientList registerClient(const Identity& caller) = 0;
 
     // Drops the client and its queue. The list is without the caller.
@@ -69,9 +74,27 @@ public:
 
     virtual ClientList sharedClients(const Identity& caller) = 0;
 
-    // Queues `events` for every other client of the server.
+    // Queues `events` for every other client of the server. A store that
+    // deduplicates stores a put once that the caller repeats with the same
+    // `correlation`, unless that is empty, and the same text.
+    //
+    // THROWS: QueueLimitPassed, and nothing is queued.
     virtual ClientList putEvents(const Identity& caller,
-                                 std::string_view events) = 0;
+                                 std::string_view events,
+                                 std::string_view correlation = {}) = 0;
+
+    // Whether anything is queued for the caller; nothing if it is not
+    // registered.
+    virtual std::optional<bool> hasEvents(const Identity& caller) = 0;
+
+    // Waits until no other getter has a lease on the caller's queue, but not
+    // longer than the store's terms say, and without holding up anybody else.
+    // Never null.
+    //
+    // What cannot be shared between getters needs none of its own.
+    virtual std::shared_ptr<Lease> lease(const Identity&) {
+        return std::make_shared<Lease>();
+    }
 
     // Nothing if the caller is not registered. The queue stays as it is. When
     // this portion is consumed, the next call gives the next one.

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <sched.h>
@@ -14,6 +15,7 @@
 
 #include "emulator/store/LockHolder.h"
 #include "emulator/store/StoreError.h"
+#include "emulator/store/SystemAdvice.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -28,10 +30,12 @@ constexpr mode_t fileMode = 0600;
 constexpr auto patience = 100ms;
 
 StoreError gateError(const std::string& path, int error) {
-    return StoreError("The gate file '" + path + "' of the event store cannot" +
-                      " be locked (" + std::strerror(error) +
-                      "). Make its folder writable, or set OVMEM_STORE to a "
-                      "place that is.");
+    return StoreError(
+        "The gate file '" + path + "' of the event store cannot be locked (" +
+        std::strerror(error) + "). " +
+        adviceFor(error,
+                  "Make its folder writable, or set OVMEM_STORE to a place "
+                  "that is."));
 }
 
 StoreError timeoutError(const std::string& path) {
@@ -63,10 +67,21 @@ bool becomeNext(int file) {
            (errno != EAGAIN && errno != EACCES);
 }
 
-void leaveNextPlace(int file) {
-    struct flock place = nextPlace(F_UNLCK);
-    ::fcntl(file, F_OFD_SETLK, &place);
-}
+// Leaves the place of the next at its end, also if the wait was in vain: the
+// file stays open.
+class NextPlace {
+public:
+    explicit NextPlace(int gateFile) : file(gateFile) {}
+    NextPlace(const NextPlace&) = delete;
+    NextPlace& operator=(const NextPlace&) = delete;
+    ~NextPlace() {
+        struct flock place = nextPlace(F_UNLCK);
+        ::fcntl(file, F_OFD_SETLK, &place);
+    }
+
+private:
+    const int file;
+};
 
 // Looks at the gate, again and again, until it is through.
 class Waiter {
@@ -84,6 +99,7 @@ public:
             }
             rest(queueRest());
         }
+        const NextPlace place(file);
         for (int looks = 0; !passes(); ++looks) {
             // A passage may take a few microseconds, or many milliseconds.
             if (looks < 20) {
@@ -92,7 +108,6 @@ public:
                 rest(std::min(50us * (looks - 19), 1000us));
             }
         }
-        leaveNextPlace(file);
     }
 
 private:
@@ -129,38 +144,71 @@ private:
         static_cast<Clock::rep>(std::hash<pid_t>()(::getpid()) << 8U));
 };
 
-// True if `file` still has a name.
-bool closeUnlessNamed(int file) {
+bool hasAName(int file, const std::string& path) {
     struct stat status {};
-    if (::fstat(file, &status) == 0 && status.st_nlink > 0) {
-        return true;
+    if (::fstat(file, &status) != 0) {
+        throw gateError(path, errno);
     }
-    ::close(file);
-    return false;
+    return status.st_nlink > 0;
 }
 
 }  // namespace
 
-// Somebody may have removed the file meanwhile; its lock is then worth nothing.
-GatePassage::GatePassage(const std::string& path, Deadline deadline) {
-    do {
-        file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
+Gate::Gate(std::string path) : name(std::move(path)) {}
+
+Gate::~Gate() {
+    close();
+}
+
+bool Gate::hasItsName() const noexcept {
+    struct stat held {};
+    struct stat named {};
+    return file >= 0 && ::fstat(file, &held) == 0 &&
+           ::lstat(name.c_str(), &named) == 0 && held.st_dev == named.st_dev &&
+           held.st_ino == named.st_ino;
+}
+
+bool Gate::hasWaiters() const noexcept {
+    return somebodyIsNext(file);
+}
+
+void Gate::open() {
+    if (file < 0) {
+        file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
                       fileMode);
         if (file < 0) {
-            throw gateError(path, errno);
+            throw gateError(name, errno);
         }
-        try {
-            Waiter(file, path, deadline).wait();
-        } catch (...) {
-            ::close(file);
-            throw;
+    }
+}
+
+void Gate::close() noexcept {
+    if (file >= 0) {
+        ::close(file);
+        file = -1;
+    }
+}
+
+// Somebody may have removed the file meanwhile; its lock is then worth nothing.
+GatePassage::GatePassage(const std::string& path, Deadline deadline)
+    : own(std::in_place, path), gate(*own) {
+    for (;;) {
+        gate.open();
+        Waiter(gate.file, path, deadline).wait();
+        if (hasAName(gate.file, path)) {
+            return;
         }
-    } while (!closeUnlessNamed(file));
+        gate.close();
+    }
+}
+
+GatePassage::GatePassage(Gate& kept, Deadline deadline) : gate(kept) {
+    gate.open();
+    Waiter(gate.file, gate.path(), deadline).wait();
 }
 
 GatePassage::~GatePassage() {
-    ::flock(file, LOCK_UN);
-    ::close(file);
+    ::flock(gate.file, LOCK_UN);
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

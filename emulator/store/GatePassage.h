@@ -2,11 +2,49 @@
 #define EMULATOR_STORE_GATEPASSAGE_H
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 #include "emulator/store/ForkLock.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
+
+// A gate that is a file, kept open from one passage to the next.
+//
+// The file is opened by the first passage. Whoever keeps a gate looks from time
+// to time whether its name still stands for the same file (hasItsName): a lock
+// on one that was removed or replaced keeps nobody out.
+//
+// A gate must not cross a fork: the child would have a share in its lock, and
+// keep it when the parent is killed.
+//
+// Threads: one at a time.
+class Gate {
+public:
+    // Opens nothing yet.
+    explicit Gate(std::string path);
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
+    ~Gate();
+
+    const std::string& path() const { return name; }
+
+    // False before the first passage.
+    bool hasItsName() const noexcept;
+
+    // Whether somebody is next at the gate, for whom its holder should not take
+    // longer than it must.
+    bool hasWaiters() const noexcept;
+
+private:
+    friend class GatePassage;
+
+    void open();
+    void close() noexcept;
+
+    const std::string name;
+    int file = -1;
+};
 
 // Lets one holder at a time, among all processes and threads, through a gate
 // that is a file: whoever writes to a store, or tidies it up, holds the passage
@@ -17,25 +55,31 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // out and goes in again at once does not overtake them. A process that is
 // stopped in that place holds the others up for a moment only.
 //
-// The file is opened for each passage, so that a forked child does not keep the
-// lock of a parent that was killed.
-//
 // THROWS: StoreError when the file cannot be opened or locked, and when the
 // deadline is over; the text then names the process that holds the gate.
 class GatePassage {
 public:
     static constexpr std::chrono::seconds usualLimit{10};
 
-    // Creates the file when there is none.
+    // Through a gate that is opened for this passage alone. Creates the file
+    // when there is none.
     explicit GatePassage(const std::string& path,
                          Deadline deadline = std::chrono::steady_clock::now() +
                                              usualLimit);
+
+    // Through a gate that is kept, and must outlive the passage.
+    GatePassage(Gate& kept, Deadline deadline);
+
     GatePassage(const GatePassage&) = delete;
     GatePassage& operator=(const GatePassage&) = delete;
     ~GatePassage();
 
+    // The gate file, for what is kept in it.
+    int descriptor() const { return gate.file; }
+
 private:
-    int file = -1;
+    std::optional<Gate> own;
+    Gate& gate;
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -2,13 +2,23 @@
 
 #include <utility>
 
+#include "emulator/store/ClientListLimit.h"
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
+
+MemoryStore::MemoryStore() : MemoryStore(Options()) {}
 
 ClientList MemoryStore::registerClient(const Identity& caller) {
     const std::lock_guard lock(mutex);
     Server& server = servers[caller.serverId];
     if (!server.cursors.contains(caller.clientId)) {
         server.add(caller.clientId);
+        try {
+            requireReadable(*server.list());
+        } catch (...) {
+            server.remove(caller.clientId);
+            throw;
+        }
     }
     return server.list();
 }
@@ -19,10 +29,7 @@ ClientList MemoryStore::unregisterClient(const Identity& caller) {
     if (!server) {
         return nullptr;
     }
-    const auto client = server->cursors.find(caller.clientId);
-    server->positions.erase(server->positions.find(client->second));
-    server->cursors.erase(client);
-    server->clients.reset();
+    server->remove(caller.clientId);
     server->trim();
     return server->list();
 }
@@ -34,21 +41,52 @@ ClientList MemoryStore::sharedClients(const Identity& caller) {
 }
 
 ClientList MemoryStore::putEvents(const Identity& caller,
-                                  std::string_view events) {
+                                  std::string_view events,
+                                  std::string_view correlation) {
     const std::lock_guard lock(mutex);
     Server* server = serverOf(caller);
     if (!server) {
         return nullptr;
     }
     ClientList clients = server->list();
-    if (!events.empty() && clients->size() > 1) {
-        server->events.emplace(server->next,
-                               Event{caller.clientId, std::string(events)});
-        ++server->next;
-        server->stepOverOwn(caller.clientId);
-        server->trim();
+    if (events.empty()) {
+        return clients;
+    }
+    if (!dedupe || correlation.empty()) {
+        put(*server, caller.clientId, events);
+        return clients;
+    }
+    RecentPuts& puts = server->puts[caller.clientId];
+    PutMark mark(correlation, events);
+    if (!puts.contains(mark)) {
+        puts.add(std::move(mark));
+        try {
+            put(*server, caller.clientId, events);
+        } catch (...) {
+            puts.takeBack();
+            throw;
+        }
     }
     return clients;
+}
+
+std::optional<bool> MemoryStore::hasEvents(const Identity& caller) {
+    const std::lock_guard lock(mutex);
+    const Server* server = serverOf(caller);
+    if (!server) {
+        return std::nullopt;
+    }
+    auto event =
+        server->events.upper_bound(server->cursors.at(caller.clientId));
+    while (event != server->events.end() &&
+           event->second.sender == caller.clientId) {
+        ++event;
+    }
+    return event != server->events.end();
+}
+
+std::shared_ptr<Lease> MemoryStore::lease(const Identity& caller) {
+    return leases.take(caller);
 }
 
 std::optional<PendingEvents> MemoryStore::getEvents(const Identity& caller) {
@@ -99,6 +137,23 @@ MemoryStore::Server* MemoryStore::serverOf(const Identity& caller) {
     return &server->second;
 }
 
+void MemoryStore::put(Server& server, const std::string& sender,
+                      std::string_view text) {
+    if (server.cursors.size() < 2) {
+        return;
+    }
+    server.stepOverOwn(sender);
+    if (limits.any()) {
+        requireRoom(limits, server.backlog(clock()), text.size());
+    }
+    server.events.emplace(
+        server.next, Event{sender, std::string(text), server.bytes, clock()});
+    ++server.next;
+    server.bytes += static_cast<std::int64_t>(text.size());
+    server.stepOverOwn(sender);
+    server.trim();
+}
+
 ClientList MemoryStore::Server::list() {
     if (!clients) {
         auto ids = std::make_shared<std::vector<std::string>>();
@@ -111,7 +166,7 @@ ClientList MemoryStore::Server::list() {
 }
 
 void MemoryStore::Server::add(const std::string& clientId) {
-    const auto position = positions.insert(next - 1);
+    const auto position = positions.emplace(next - 1, clientId).first;
     try {
         cursors.emplace(clientId, next - 1);
     } catch (...) {
@@ -121,12 +176,20 @@ void MemoryStore::Server::add(const std::string& clientId) {
     clients.reset();
 }
 
+void MemoryStore::Server::remove(const std::string& clientId) {
+    const auto client = cursors.find(clientId);
+    positions.erase({client->second, client->first});
+    cursors.erase(client);
+    puts.erase(clientId);
+    clients.reset();
+}
+
 void MemoryStore::Server::moveCursor(const std::string& clientId,
                                      std::int64_t upto) {
     std::int64_t& cursor = cursors.at(clientId);
     if (cursor < upto) {
-        auto position = positions.extract(cursor);
-        position.value() = upto;
+        auto position = positions.extract({cursor, clientId});
+        position.value().first = upto;
         positions.insert(std::move(position));
         cursor = upto;
     }
@@ -143,9 +206,23 @@ void MemoryStore::Server::stepOverOwn(const std::string& clientId) {
     moveCursor(clientId, reached);
 }
 
+Backlog MemoryStore::Server::backlog(std::int64_t now) const {
+    const auto& [cursor, clientId] = *positions.begin();
+    Backlog result;
+    result.clientId = clientId;
+    result.events = next - 1 - cursor;
+    const auto event = events.upper_bound(cursor);
+    if (event != events.end()) {
+        result.bytes = bytes - event->second.start;
+        result.seconds = secondsSince(event->second.time, now);
+    }
+    return result;
+}
+
 void MemoryStore::Server::trim() {
-    const auto end = positions.empty() ? events.end()
-                                       : events.upper_bound(*positions.begin());
+    const auto end = positions.empty()
+                         ? events.end()
+                         : events.upper_bound(positions.begin()->first);
     events.erase(events.begin(), end);
 }
 

@@ -11,33 +11,15 @@
 
 #include "emulator/store/LockHolder.h"
 #include "emulator/store/StoreError.h"
+#include "emulator/store/SystemAdvice.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 namespace {
 
-constexpr const char* freeSpace =
-    "Free space on its disk, then repeat the call.";
-
-const char* adviceFor(int systemError) {
-    switch (systemError) {
-        case EIO:
-            return "Repeat the call. If it fails again, check the disk.";
-        case ENOSPC:
-        case EDQUOT:
-            return freeSpace;
-        case EMFILE:
-        case ENFILE:
-            return "Close files or raise the limit of open files, then repeat "
-                   "the call.";
-        case ENOLCK:
-            return "Set OVMEM_STORE to a file on a local file system, or free "
-                   "locks of files, then repeat the call.";
-        default:
-            return "Make the file and its folder readable and writable, or "
-                   "set OVMEM_STORE to another file.";
-    }
-}
+constexpr const char* makeUsable =
+    "Make the file and its folder readable and writable, or set OVMEM_STORE to "
+    "another file.";
 
 // Whether an error comes from a system call.
 bool isOfSystem(int code) {
@@ -45,7 +27,7 @@ bool isOfSystem(int code) {
            code == SQLITE_READONLY;
 }
 
-// SQLite's connection is gone, so the question is put again.
+// SQLite does not always say, so the question is put again.
 int errorOfOpening(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
     const int error = file < 0 ? errno : 0;
@@ -62,6 +44,9 @@ void throwSqliteFailure(const SQLite::Exception& error, const std::string& path,
     const int code = error.getErrorCode();
     if (code == SQLITE_NOMEM) {
         throw std::bad_alloc();
+    }
+    if (const auto* opening = dynamic_cast<const SqliteOpenFailure*>(&error)) {
+        systemError = opening->systemError;
     }
     if (code == SQLITE_CANTOPEN && systemError == 0) {
         systemError = errorOfOpening(path);
@@ -85,6 +70,7 @@ void throwSqliteFailure(const SQLite::Exception& error, const std::string& path,
                 "Let that process go on or end it, then repeat the call.");
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
+        case SQLITE_CONSTRAINT:
             throw StoreError(store + "is damaged or not a store" + reason +
                              "Move the file away, or set OVMEM_STORE to "
                              "another one.");
@@ -92,7 +78,7 @@ void throwSqliteFailure(const SQLite::Exception& error, const std::string& path,
             throw StoreError(store + "has no room left" + reason + freeSpace);
         default:
             throw StoreError(store + "cannot be used" + reason +
-                             adviceFor(systemError));
+                             adviceFor(systemError, makeUsable));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +14,8 @@
 #include <sqlite3.h>
 
 #include "emulator/store/GatePassage.h"
+#include "emulator/store/LogFile.h"
+#include "emulator/store/SqliteFailure.h"
 #include "emulator/store/StoreError.h"
 #include "emulator/store/StoreFiles.h"
 
@@ -21,7 +24,7 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 namespace {
 
 constexpr int applicationId = 0x4F764D45;  // "OvME"
-constexpr int schemaVersion = 2;
+constexpr int schemaVersion = 3;
 
 constexpr std::uintmax_t largestLog = 4 * 1024 * 1024;  // bytes
 constexpr std::chrono::seconds cutLimit{1};
@@ -29,26 +32,47 @@ constexpr std::chrono::seconds cutLimit{1};
 // The sender stands before the body, so that looking for the events of others
 // does not walk through bodies. The row id of an event has no meaning.
 //
+// The events of a server are one stream: server.bytes is its length, and
+// event.start where an event begins in it. So the bytes behind any event are
+// known without adding them up. event.time is the real time of the put, in
+// seconds.
+//
 // Word for word as the database keeps them.
-constexpr std::array<const char*, 4> schema{
+constexpr std::array<const char*, 6> schema{
     R"(CREATE TABLE server (
     id INTEGER PRIMARY KEY,
     name BLOB NOT NULL UNIQUE,
     next INTEGER NOT NULL,
-    epoch INTEGER NOT NULL))",
+    epoch INTEGER NOT NULL,
+    bytes INTEGER NOT NULL,
+    members INTEGER NOT NULL,
+    checksum INTEGER NOT NULL))",
     R"(CREATE TABLE client (
     server INTEGER NOT NULL,
     name BLOB NOT NULL,
     cursor INTEGER NOT NULL,
+    checksum INTEGER NOT NULL,
     PRIMARY KEY (server, name)) WITHOUT ROWID)",
     "CREATE INDEX client_cursor ON client (server, cursor)",
     R"(CREATE TABLE event (
     server INTEGER NOT NULL,
     number INTEGER NOT NULL,
     sender BLOB NOT NULL,
+    origin INTEGER NOT NULL,
     checksum INTEGER NOT NULL,
+    start INTEGER NOT NULL,
+    time INTEGER NOT NULL,
     body BLOB NOT NULL,
-    PRIMARY KEY (server, number)))"};
+    PRIMARY KEY (server, number)))",
+    R"(CREATE TABLE put (
+    server INTEGER NOT NULL,
+    client BLOB NOT NULL,
+    number INTEGER NOT NULL,
+    digest BLOB NOT NULL,
+    length INTEGER NOT NULL,
+    correlation BLOB NOT NULL,
+    PRIMARY KEY (server, client, number)) WITHOUT ROWID)",
+    "CREATE INDEX put_digest ON put (server, client, digest)"};
 
 int integer(SQLite::Database& database, const char* query) {
     return database.execAndGet(query).getInt();
@@ -138,6 +162,9 @@ void makeStore(SQLite::Database& database, const SqliteOptions& options,
                              "' is still there. Put the store back, or remove "
                              "the gate to begin with an empty one.");
         }
+        // Free pages can be returned later only if this comes before
+        // everything else.
+        database.exec("PRAGMA auto_vacuum = INCREMENTAL");
         requireLog(database, options.path);
         createSchema(database);
         files.rememberInGate();
@@ -154,6 +181,42 @@ std::string withoutLinks(const std::string& path) {
     return error ? path : (folder / file.filename()).string();
 }
 
+void requireLogOfIndex(SQLite::Database& database, const std::string& path,
+                       Deadline deadline) {
+    if (isLogOfIndex(database)) {
+        return;
+    }
+    const GatePassage passage(path + ".gate", deadline);
+    if (!isLogOfIndex(database)) {
+        throw StoreError("The log '" + path +
+                         "-wal' of the event store was removed or replaced "
+                         "while another process uses it. Let that process "
+                         "make its next call, or end it, then repeat the "
+                         "call.");
+    }
+}
+
+void prepare(SQLite::Database& database, const SqliteOptions& options,
+             Deadline deadline) {
+    keepLogAtClose(database, true);
+    requireWritable(database);
+    if (isEmpty(database) || !hasLog(database)) {
+        makeStore(database, options, deadline);
+    } else {
+        requireOurs(database, options.path);
+    }
+    database.exec(options.synchronous == Synchronous::full
+                      ? "PRAGMA synchronous = FULL"
+                      : "PRAGMA synchronous = NORMAL");
+    // After large bodies, give the log's room back; and do not write zeros over
+    // what is trimmed.
+    database.exec("PRAGMA journal_size_limit = " + std::to_string(largestLog));
+    database.exec("PRAGMA secure_delete = FAST");
+    // Processes that come one after the other never start the log from its
+    // beginning, since each has it open alone and for a moment.
+    cutLog(database, options.path, largestLog, deadline);
+}
+
 }  // namespace
 
 std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
@@ -164,28 +227,42 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
         const GatePassage passage(files.gate(), deadline);
         files.makeDatabase();
     }
-    auto database = std::make_unique<SQLite::Database>(
-        withoutLinks(options.path),
-        SQLite::OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW,
-        millisecondsUntil(deadline));
-    keepLogAtClose(*database, true);
-    requireWritable(*database);
-    if (isEmpty(*database) || !hasLog(*database)) {
-        makeStore(*database, options, deadline);
-    } else {
-        requireOurs(*database, options.path);
+    std::unique_ptr<SQLite::Database> database;
+    errno = 0;
+    try {
+        database = std::make_unique<SQLite::Database>(
+            withoutLinks(options.path),
+            SQLite::OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW,
+            millisecondsUntil(deadline));
+        prepare(*database, options, deadline);
+        requireLogOfIndex(*database, options.path, deadline);
+    } catch (const SQLite::Exception& error) {
+        const int systemError =
+            database ? ::sqlite3_system_errno(database->getHandle()) : errno;
+        if (database) {
+            // It may be the reason why the file could not be read.
+            requireLogOfIndex(*database, options.path, deadline);
+        }
+        throw SqliteOpenFailure(error, systemError);
     }
-    database->exec(options.synchronous == Synchronous::full
-                       ? "PRAGMA synchronous = FULL"
-                       : "PRAGMA synchronous = NORMAL");
-    // After large bodies, give the log's room back; and do not write zeros over
-    // what is trimmed.
-    database->exec("PRAGMA journal_size_limit = " + std::to_string(largestLog));
-    database->exec("PRAGMA secure_delete = FAST");
-    // Processes that come one after the other never start the log from its
-    // beginning, since each has it open alone and for a moment.
-    cutLog(*database, options.path, largestLog, deadline);
     return database;
+}
+
+std::unique_ptr<SQLite::Database> openSqliteFileToRead(
+    const SqliteOptions& options, Deadline deadline) {
+    if (!StoreFiles(options).exist()) {
+        throw StoreError("There is no event store '" + options.path +
+                         "'. Register a client to make one, or set "
+                         "OVMEM_STORE to another file.");
+    }
+    return std::make_unique<SQLite::Database>(
+        withoutLinks(options.path),
+        SQLite::OPEN_READONLY | SQLITE_OPEN_NOFOLLOW,
+        millisecondsUntil(deadline));
+}
+
+void requireStore(SQLite::Database& database, const std::string& path) {
+    requireOurs(database, path);
 }
 
 void cutLog(SQLite::Database& database, const std::string& path,

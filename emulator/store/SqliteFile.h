@@ -26,6 +26,18 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
                                                  Deadline deadline);
 
+// Opens the file of a store for reading only, whatever it holds.
+//
+// THROWS: StoreError when there is no store, SQLite::Exception.
+std::unique_ptr<SQLite::Database> openSqliteFileToRead(
+    const SqliteOptions& options, Deadline deadline);
+
+// Refuses a file that another program made, or another version, and one with
+// tables, views or triggers that are not a store's own.
+//
+// THROWS: StoreError, SQLite::Exception.
+void requireStore(SQLite::Database& database, const std::string& path);
+
 // Writes a log back into the file and cuts it if it is longer than `bytes`, and
 // nobody else is in the middle of a read. Passes the gate for that. The store
 // can be used whether it was done or not.

@@ -1,10 +1,13 @@
 #ifndef EMULATOR_STORE_SQLITEOPTIONS_H
 #define EMULATOR_STORE_SQLITEOPTIONS_H
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 
 #include "emulator/store/EventStore.h"
+#include "emulator/store/Lease.h"
+#include "emulator/store/QueueLimits.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -26,6 +29,9 @@ struct SqliteOptions {
     int busyTimeoutMilliseconds = 10000;  // then the store timed out
     Access access = Access::owner;
     std::size_t portion = portionBytes;  // of one get
+    bool dedupe = false;                 // of puts that bear a correlation
+    std::chrono::milliseconds lease = LeaseTerms().limit;  // of a getter
+    QueueLimits limits{};
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -1,20 +1,26 @@
 #include "emulator/store/SqliteSession.h"
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <new>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include "emulator/store/CheckedRows.h"
+#include "emulator/store/ClientListLimit.h"
 #include "emulator/store/EventChecksum.h"
-#include "emulator/store/GatePassage.h"
+#include "emulator/store/LogFile.h"
 #include "emulator/store/SqliteFile.h"
+#include "emulator/store/SqlitePuts.h"
+#include "emulator/store/SqliteRoom.h"
 #include "emulator/store/SqliteStatements.h"
 #include "emulator/store/SqliteTransaction.h"
+#include "emulator/store/SqliteTrim.h"
+#include "emulator/store/StoreDamage.h"
 #include "emulator/store/StoreError.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
@@ -23,16 +29,18 @@ namespace {
 
 // More than a put adds, so that a backlog shrinks; few enough that a put takes
 // no longer for it.
-constexpr std::int64_t trimmedByAPut = 32;
+constexpr SqliteTrim::Bounds trimmedByAPut{8, 64 * 1024, false};
 
-// What other writes remove: some hundred events, and more while the time lasts,
-// so that nobody waits long at the gate.
-constexpr std::int64_t trimmedAtOnce = 250;
-constexpr std::chrono::milliseconds trimLimit{20};
+// What other writes remove in their own transaction, and what tidying removes
+// between two looks at the clock.
+constexpr SqliteTrim::Bounds trimmedAtOnce{250, 8 * 1024 * 1024, true};
 
-// Whoever consumes more than this at once leaves the rest to those who come
-// later: a large get has taken its time already.
-constexpr std::int64_t consumedAtOnce = 1000;
+// So that nobody waits long at the gate.
+constexpr std::chrono::milliseconds tidyStep{20};
+
+// Whoever frees events also removes as many that others have left, so that what
+// a process that was killed has left goes soon.
+constexpr std::int64_t tidiedForOthers = 20000;
 
 constexpr std::size_t cachedLists = 256;
 
@@ -57,6 +65,8 @@ public:
         wrote = true;
     }
 
+    int gateFile() const { return passage.descriptor(); }
+
 private:
     bool& wrote;
     GatePassage passage;
@@ -64,14 +74,31 @@ private:
 };
 
 SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
+    : SqliteSession(options, limit, StoreFiles(options).snapshot()) {}
+
+SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit,
+                             const StoreFiles::Snapshot& before)
     : files(options),
       gate(files.gate()),
       portion(options.portion),
+      dedupe(options.dedupe),
       deadline(limit),
       database(openSqliteFile(options, limit)),
       statements(std::make_unique<SqliteStatements>(*database)),
+      rows(std::make_unique<CheckedRows>(*statements, files.database())),
+      trimming(std::make_unique<SqliteTrim>(*database)),
+      room(options.limits.any() ? std::make_unique<SqliteRoom>(
+                                      *database, options.path, options.limits)
+                                : nullptr),
+      notes(gate.path(), options.synchronous),
       opened(files.snapshot()),
-      folder(std::filesystem::path(files.database()).parent_path()) {}
+      folder(std::filesystem::path(files.database()).parent_path()) {
+    // A log may lose its name while it is being opened; the first write then
+    // has to notice.
+    if (!(before.log == StoreFiles::Snapshot::File())) {
+        opened.log = before.log;
+    }
+}
 
 SqliteSession::~SqliteSession() = default;
 
@@ -80,8 +107,12 @@ SqliteSession::~SqliteSession() = default;
 void SqliteSession::tidyUp() noexcept {
     try {
         const auto limit = wrote ? tidyLimit : std::chrono::seconds(0);
-        const GatePassage passage(gate,
+        const GatePassage passage(gate.path(),
                                   std::chrono::steady_clock::now() + limit);
+        putMemory.reset();
+        room.reset();
+        trimming.reset();
+        rows.reset();
         statements.reset();
         keepLogAtClose(*database, false);
         database.reset();
@@ -104,219 +135,331 @@ bool SqliteSession::isAtRest() const noexcept {
 }
 
 int SqliteSession::systemError() const noexcept {
-    return ::sqlite3_system_errno(database->getHandle());
+    sqlite3* const handle = database->getHandle();
+    int error = ::sqlite3_system_errno(handle);
+    if (error != 0) {
+        return error;
+    }
+    // The rollback after a failed commit makes it forget, but not the files.
+    sqlite3_file* log = nullptr;
+    ::sqlite3_file_control(handle, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (log && log->pMethods) {
+        log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &error);
+    }
+    if (error == 0) {
+        ::sqlite3_file_control(handle, "main", SQLITE_FCNTL_LAST_ERRNO, &error);
+    }
+    return error;
 }
 
 ClientList SqliteSession::registerClient(const Identity& caller) {
     Write write(*this);
-    std::optional<Member> now = member(caller);
-    if (!now) {
-        SqliteRun(statements->addServer, caller.serverId).exec();
-        SqliteRun(statements->addClient, caller.serverId, caller.clientId)
-            .exec();
-        SqliteRun(statements->raiseEpoch, caller.serverId).exec();
-        now = member(caller);
-        trimDeserted();
+    std::optional<Member> now = member(caller, notes.of(caller));
+    const bool isNew = !now;
+    std::optional<Leftover> after;
+    if (isNew) {
+        now = rows->add(caller);
+        after = trim(now->server.id, 0, Look::everywhere);
     }
-    ClientList clients = clientsOf(now->server, now->epoch);
+    ClientList clients = clientsOf(*now);
+    if (isNew) {
+        requireReadable(*clients);
+    }
     write.commit();
-    remember(now->server, now->epoch, clients);
+    left = after;
+    if (isNew) {
+        notes.noteServer(write.gateFile(), caller.serverId, now->server);
+    }
+    remember(now->server, clients);
     return clients;
 }
 
 ClientList SqliteSession::unregisterClient(const Identity& caller) {
     Write write(*this);
-    const std::optional<Member> before = member(caller);
-    if (!before) {
+    std::optional<Member> gone = member(caller, notes.of(caller));
+    if (!gone) {
         return nullptr;
     }
-    SqliteRun(statements->removeClient, before->server, caller.clientId).exec();
-    SqliteRun(statements->raiseEpoch, caller.serverId).exec();
-    trim(before->server);
-    trimDeserted();
-    ClientList clients = clientsOf(before->server, before->epoch + 1);
+    rows->remove(*gone);
+    puts().forget(gone->server.id, caller.clientId);
+    ClientList clients = clientsOf(*gone);
+    const std::optional<Leftover> after =
+        trim(gone->server.id, gone->server.next - 1 - gone->cursor,
+             Look::everywhere);
     write.commit();
-    remember(before->server, before->epoch + 1, clients);
+    left = after;
+    notes.noteServer(write.gateFile(), caller.serverId, gone->server);
+    remember(gone->server, clients);
     return clients;
 }
 
 ClientList SqliteSession::sharedClients(const Identity& caller) {
+    requireSameFilesForReading();
+    const CommitNotes::Noted noted = notes.of(caller);
     const SqliteTransaction read(statements->transaction,
                                  SqliteTransaction::Kind::read);
-    const std::optional<Member> now = member(caller);
+    const std::optional<Member> now = member(caller, noted);
     if (!now) {
         return nullptr;
     }
-    ClientList clients = clientsOf(now->server, now->epoch);
-    remember(now->server, now->epoch, clients);
+    ClientList clients = clientsOf(*now);
+    remember(now->server, clients);
     return clients;
 }
 
 ClientList SqliteSession::putEvents(const Identity& caller,
-                                    std::string_view events) {
+                                    std::string_view events,
+                                    std::string_view correlation) {
     Write write(*this);
-    const std::optional<Member> sender = member(caller);
+    std::optional<Member> sender = member(caller, notes.of(caller));
     if (!sender) {
         return nullptr;
     }
-    ClientList clients = clientsOf(sender->server, sender->epoch);
-    if (!events.empty() && clients->size() > 1) {
-        SqliteRun(statements->addEvent, sender->server, sender->next,
-                  caller.clientId,
-                  eventChecksum(sender->server, sender->next, events), events)
-            .exec();
-        SqliteRun(statements->takeNumber, sender->server).exec();
-        stepOverOwn(*sender, caller.clientId, sender->next);
-        SqliteRun(statements->trim, sender->server, trimmedByAPut).exec();
+    ClientList clients = clientsOf(*sender);
+    const bool puts =
+        !events.empty() &&
+        !isRepeated(sender->server.id, caller.clientId, correlation, events) &&
+        clients->size() > 1;
+    if (puts) {
+        addEvent(*sender, events);
+        trimming->remove(sender->server.id, trimmedByAPut);
     }
     write.commit();
-    remember(sender->server, sender->epoch, clients);
+    if (puts) {
+        notes.noteServer(write.gateFile(), caller.serverId, sender->server);
+    }
+    remember(sender->server, clients);
     return clients;
 }
 
+// What was read is of no use if it came from files that others have left.
+template <typename Work>
+auto SqliteSession::readFor(const Identity& caller, Work work) {
+    std::optional<decltype(work(std::declval<const Member&>()))> result;
+    {
+        const CommitNotes::Noted noted = notes.of(caller);
+        const SqliteTransaction read(statements->transaction,
+                                     SqliteTransaction::Kind::read);
+        if (const std::optional<Member> now = member(caller, noted)) {
+            result = work(*now);
+        }
+    }
+    requireSameFilesForReading();
+    return result;
+}
+
+std::optional<bool> SqliteSession::hasEvents(const Identity& caller) {
+    return readFor(caller,
+                   [this](const Member& now) { return rows->hasPending(now); });
+}
+
 std::optional<PendingEvents> SqliteSession::getEvents(const Identity& caller) {
-    const SqliteTransaction read(statements->transaction,
-                                 SqliteTransaction::Kind::read);
-    const std::optional<Member> now = member(caller);
-    if (!now) {
-        return std::nullopt;
-    }
-    PendingEvents events;
-    events.upto = now->next - 1;
-    SqliteRun run(statements->pending, now->server, now->cursor, events.upto,
-                  caller.clientId);
-    std::int64_t last = now->cursor;
-    while (run.step()) {
-        const std::string_view body = run.bytes(0);
-        const std::size_t total = events.text.size() + body.size();
-        if (!events.text.empty() && total > portion) {
-            events.upto = last;
-            break;
-        }
-        const std::int64_t number = run.integer(1);
-        if (eventChecksum(now->server, number, body) != run.integer(2)) {
-            throw StoreError(
-                "Event " + std::to_string(number) + " of the event store '" +
-                files.database() +
-                "' is not what was put: the file is damaged. Check the disk. "
-                "To go on without what is queued, unregister the client and "
-                "register it again.");
-        }
-        // Doubling could take twice the portion.
-        if (total > events.text.capacity()) {
-            events.text.reserve(std::max(total, std::min(2 * total, portion)));
-        }
-        events.text += body;
-        last = number;
-    }
-    return events;
+    return readFor(caller, [this](const Member& now) {
+        return rows->pending(now, portion);
+    });
 }
 
 void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
     Write write(*this);
-    if (const std::optional<Member> now = member(caller)) {
-        SqliteRun(statements->moveCursor, now->server, caller.clientId, upto)
-            .exec();
-        if (upto - now->cursor > consumedAtOnce) {
-            SqliteRun(statements->trim, now->server, trimmedAtOnce).exec();
-        } else {
-            trim(now->server);
-        }
+    std::optional<Leftover> after;
+    std::optional<Member> now = member(caller, notes.of(caller));
+    if (now) {
+        const std::int64_t consumed = upto - now->cursor;
+        rows->moveCursor(*now, upto);
+        after = trim(now->server.id, consumed, Look::here);
     }
     write.commit();
+    left = after;
+    if (now) {
+        notes.noteClient(write.gateFile(), caller, now->cursor);
+    }
 }
 
-// What is only in a log that has lost its name goes into the database, as long
-// as that has not.
+std::optional<Leftover> SqliteSession::takeLeftover() noexcept {
+    return std::exchange(left, std::nullopt);
+}
+
+bool SqliteSession::tidy(Leftover& leftover) {
+    std::optional<Write> write(std::in_place, *this);
+    const auto end = std::chrono::steady_clock::now() + tidyStep;
+    const auto mayGoOn = [&] {
+        return std::chrono::steady_clock::now() < end && !gate.hasWaiters();
+    };
+    bool more = leftover.events > 0;
+    if (more) {
+        do {
+            more = removeSome(leftover);
+        } while (more && mayGoOn());
+    }
+    const bool shorten = !more && trimming->hasManyFreePages();
+    if (shorten) {
+        more = trimming->returnPages(mayGoOn);
+    }
+    write->commit();
+    write.reset();
+    if (shorten && !more) {
+        cutLog();  // and with it the file
+    }
+    return more;
+}
+
+bool SqliteSession::removeSome(Leftover& leftover) {
+    const auto removed = trimming->remove(leftover.server, trimmedAtOnce);
+    leftover.events -= removed.events;
+    if (removed.all) {
+        const std::optional<std::int64_t> next = trimming->deserted();
+        if (!next) {
+            leftover.events = 0;
+            return false;
+        }
+        leftover.server = *next;
+    }
+    return leftover.events > 0;
+}
+
 void SqliteSession::requireSameFiles() {
     if (folder.isUnchanged()) {
         return;
     }
     const StoreFiles::Snapshot now = files.snapshot();
-    if (now == opened) {
+    if (now == opened && gate.hasItsName()) {
         folder.accept();
         return;
     }
-    if (now.database == opened.database) {
-        database->setBusyTimeout(0);
-        database->tryExec("PRAGMA wal_checkpoint(PASSIVE)");
+    if (now.database == opened.database && now.log != opened.log) {
+        saveLog(now);
     }
     throw FilesReplaced();
+}
+
+// What is only in a log that has lost its name goes into the database. Whoever
+// notices first does so for all, and takes the index away, too: the others go
+// on with both until they notice, and nobody has one of them with a new log.
+void SqliteSession::saveLog(const StoreFiles::Snapshot& now) {
+    const bool isFirst = now.index == opened.index;
+    const bool isGone = now.index == StoreFiles::Snapshot::File();
+    if (!(isFirst || isGone) || !isLogOfIndex(*database)) {
+        return;
+    }
+    // A read takes a moment, but its process may be stopped.
+    while (!writeBackLog(*database)) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            throw StoreError(
+                "The log '" + files.log() +
+                "' of the event store was removed or replaced, and another "
+                "process has been reading what was in it for too long. Let "
+                "that process go on or end it, then repeat the call.");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    if (isFirst) {
+        files.removeLogAndIndex();
+    }
+}
+
+// As before a write, outside of any transaction.
+void SqliteSession::requireSameFilesForReading() {
+    if (folder.isUnchanged()) {
+        return;
+    }
+    if (files.snapshot() == opened) {
+        // Whether the gate is the same matters to the next write.
+        if (gate.hasItsName()) {
+            folder.accept();
+        }
+        return;
+    }
+    const GatePassage passage(gate, deadline);
+    requireSameFiles();
 }
 
 void SqliteSession::setBusyTimeout() {
     database->setBusyTimeout(millisecondsUntil(deadline));
 }
 
-std::optional<SqliteSession::Member> SqliteSession::member(
-    const Identity& caller) {
-    SqliteRun run(statements->member, caller.serverId, caller.clientId);
-    if (!run.step()) {
-        return std::nullopt;
+// What is noted was read before the transaction began, or inside the gate.
+std::optional<Member> SqliteSession::member(const Identity& caller,
+                                            const CommitNotes::Noted& noted) {
+    std::optional<Member> found = rows->member(caller);
+    if (noted.server) {
+        const std::optional<ServerRow> server =
+            found ? found->server : rows->server(caller.serverId);
+        if (!server || CommitNotes::progress(*server) < *noted.server) {
+            throw lostCommits(files.database(), caller.serverId);
+        }
     }
-    return Member{run.integer(0), run.integer(1), run.integer(2),
-                  run.integer(3)};
+    if (noted.client && found && found->cursor < *noted.client) {
+        throw lostCommits(files.database(), caller.serverId);
+    }
+    if (found) {
+        notes.accept(caller);
+    }
+    return found;
 }
 
-ClientList SqliteSession::clientsOf(std::int64_t server, std::int64_t epoch) {
-    const auto cached = lists.find(server);
-    if (cached != lists.end() && cached->second.epoch == epoch) {
+ClientList SqliteSession::clientsOf(const Member& member) {
+    const auto cached = lists.find(member.server.id);
+    if (cached != lists.end() && cached->second.epoch == member.server.epoch) {
         return cached->second.clients;
     }
-    auto clients = std::make_shared<std::vector<std::string>>();
-    SqliteRun run(statements->clients, server);
-    while (run.step()) {
-        clients->emplace_back(run.bytes(0));
-    }
-    return clients;
+    return rows->clients(member);
 }
 
 // Only for what is committed: a later commit would bear the same epoch as one
 // that was rolled back.
-void SqliteSession::remember(std::int64_t server, std::int64_t epoch,
+void SqliteSession::remember(const ServerRow& server,
                              const ClientList& clients) noexcept {
     if (lists.size() >= cachedLists) {
         lists.clear();
     }
     try {
-        lists[server] = CachedList{epoch, clients};
+        lists[server.id] = CachedList{server.epoch, clients};
     } catch (const std::bad_alloc&) {
         // What was done stays done; the list is read again next time.
     }
 }
 
-// A client that only sends would otherwise keep its own events for ever.
-void SqliteSession::stepOverOwn(const Member& sender,
-                                const std::string& clientId,
-                                std::int64_t number) {
-    SqliteRun first(statements->firstOfOthers, sender.server, sender.cursor,
-                    clientId);
-    const std::int64_t reached = first.step() ? first.integer(0) - 1 : number;
-    SqliteRun(statements->moveCursor, sender.server, clientId, reached).exec();
+void SqliteSession::addEvent(Member& sender, std::string_view events) {
+    const ServerRow& server = sender.server;
+    if (room) {
+        rows->stepOverOwn(sender);
+        room->require({server.id, server.next, server.bytes}, events.size());
+    }
+    const std::int64_t origin =
+        originChecksum(server.id, server.next, sender.who.clientId);
+    SqliteRun(statements->addEvent, server.id, server.next, sender.who.clientId,
+              origin, eventChecksum(origin, events), server.bytes, secondsNow(),
+              events)
+        .exec();
+    rows->takeNumber(sender, events.size());
+    rows->stepOverOwn(sender);
 }
 
-void SqliteSession::trim(std::int64_t server) {
-    const auto end = std::chrono::steady_clock::now() + trimLimit;
-    int removed = 0;
-    do {
-        SqliteRun run(statements->trim, server, trimmedAtOnce);
-        removed = run.exec();
-    } while (removed == trimmedAtOnce &&
-             std::chrono::steady_clock::now() < end);
+SqlitePuts& SqliteSession::puts() {
+    if (!putMemory) {
+        putMemory = std::make_unique<SqlitePuts>(*database);
+    }
+    return *putMemory;
 }
 
-// What a server's last client left behind and its own writes did not remove.
-void SqliteSession::trimDeserted() {
-    std::optional<std::int64_t> server;
-    {
-        SqliteRun run(statements->deserted);
-        if (run.step()) {
-            server = run.integer(0);
-        }
+// If it is not, it is one that can be repeated from now on: also where nobody
+// receives it, since the client is told that it was put.
+bool SqliteSession::isRepeated(std::int64_t server, const std::string& clientId,
+                               std::string_view correlation,
+                               std::string_view events) {
+    return dedupe && !correlation.empty() &&
+           !puts().add(server, clientId, correlation, events);
+}
+
+// Few events are not worth a transaction of their own.
+std::optional<Leftover> SqliteSession::trim(std::int64_t server,
+                                            std::int64_t freed, Look look) {
+    const auto removed = trimming->remove(server, trimmedAtOnce);
+    if (removed.all && !trimming->hasManyFreePages() &&
+        (look == Look::here || !trimming->deserted())) {
+        return std::nullopt;
     }
-    if (server) {
-        trim(*server);
-    }
+    return Leftover{server, std::max<std::int64_t>(freed, 0) + tidiedForOthers};
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

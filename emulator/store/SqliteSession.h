@@ -8,9 +8,12 @@
 #include <optional>
 #include <string>
 
+#include "emulator/store/CommitNotes.h"
 #include "emulator/store/EventStore.h"
 #include "emulator/store/FolderWatch.h"
 #include "emulator/store/ForkLock.h"
+#include "emulator/store/GatePassage.h"
+#include "emulator/store/Leftover.h"
 #include "emulator/store/SqliteOptions.h"
 #include "emulator/store/StoreFiles.h"
 
@@ -20,6 +23,12 @@ class Database;
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
+class CheckedRows;
+class SqlitePuts;
+class SqliteRoom;
+class SqliteTrim;
+struct Member;
+struct ServerRow;
 struct SqliteStatements;
 
 struct FilesReplaced {};
@@ -31,6 +40,10 @@ struct FilesReplaced {};
 // that is a store already. The list of clients is
 // read only when the server's epoch, which every coming and going raises, has
 // moved on; so a put costs the same however many clients there are.
+//
+// Events that all clients have got are removed by those who got them: a few in
+// the transaction of the operation, the others after it, in transactions of
+// their own (tidy). Between these anybody may write.
 //
 // Threads: one at a time. It must not cross a fork.
 // THROWS: StoreError, and SQLite::Exception as it comes. Writing throws
@@ -57,6 +70,13 @@ public:
     // other.
     void waitUntil(Deadline limit);
 
+    // Of the last operation, if nobody has taken it yet.
+    std::optional<Leftover> takeLeftover() noexcept;
+
+    // A step of some 20 milliseconds, and less while somebody waits at the
+    // gate; also shortens the file. False if nothing is left to do.
+    bool tidy(Leftover& leftover);
+
     // False when a transaction could not be ended; the session is then of no
     // more use.
     bool isAtRest() const noexcept;
@@ -67,42 +87,61 @@ public:
     ClientList registerClient(const Identity& caller) override;
     ClientList unregisterClient(const Identity& caller) override;
     ClientList sharedClients(const Identity& caller) override;
-    ClientList putEvents(const Identity& caller,
-                         std::string_view events) override;
+    ClientList putEvents(const Identity& caller, std::string_view events,
+                         std::string_view correlation = {}) override;
+    std::optional<bool> hasEvents(const Identity& caller) override;
     std::optional<PendingEvents> getEvents(const Identity& caller) override;
     void consume(const Identity& caller, std::int64_t upto) override;
 
 private:
-    struct Member {  // a registered caller
-        std::int64_t server = 0;
-        std::int64_t next = 0;
-        std::int64_t epoch = 0;
-        std::int64_t cursor = 0;
-    };
     struct CachedList {
         std::int64_t epoch = 0;
         ClientList clients;
     };
+    enum class Look { here, everywhere };  // for what others have left
     class Write;
 
+    // `before`: the files as they were before they are opened.
+    SqliteSession(const SqliteOptions& options, Deadline deadline,
+                  const StoreFiles::Snapshot& before);
+
     void requireSameFiles();
-    std::optional<Member> member(const Identity& caller);
-    ClientList clientsOf(std::int64_t server, std::int64_t epoch);
+    void requireSameFilesForReading();
+    void saveLog(const StoreFiles::Snapshot& now);
+
+    // What `work` makes of the caller, in a transaction; nothing if it is not
+    // registered.
+    template <typename Work>
+    auto readFor(const Identity& caller, Work work);
+
+    std::optional<Member> member(const Identity& caller,
+                                 const CommitNotes::Noted& noted);
+    ClientList clientsOf(const Member& member);
     void setBusyTimeout();
-    void remember(std::int64_t server, std::int64_t epoch,
-                  const ClientList& clients) noexcept;
-    void stepOverOwn(const Member& sender, const std::string& clientId,
-                     std::int64_t number);
-    void trim(std::int64_t server);
-    void trimDeserted();
+    void remember(const ServerRow& server, const ClientList& clients) noexcept;
+    SqlitePuts& puts();
+    bool isRepeated(std::int64_t server, const std::string& clientId,
+                    std::string_view correlation, std::string_view events);
+    void addEvent(Member& sender, std::string_view events);
+    std::optional<Leftover> trim(std::int64_t server, std::int64_t freed,
+                                 Look look);
+    bool removeSome(Leftover& leftover);
 
     const StoreFiles files;
-    const std::string gate;
+    Gate gate;
     const std::size_t portion;
+    const bool dedupe;
     Deadline deadline;
     bool wrote = false;
     std::unique_ptr<SQLite::Database> database;
-    std::unique_ptr<SqliteStatements> statements;  // end before the database
+    // These end before the database.
+    std::unique_ptr<SqliteStatements> statements;
+    std::unique_ptr<CheckedRows> rows;
+    std::unique_ptr<SqliteTrim> trimming;
+    std::unique_ptr<SqliteRoom> room;       // null if there are no limits
+    std::unique_ptr<SqlitePuts> putMemory;  // null until it is needed
+    std::optional<Leftover> left;
+    CommitNotes notes;
     StoreFiles::Snapshot opened;
     FolderWatch folder;
     std::map<std::int64_t, CachedList> lists;  // by server

@@ -5,45 +5,45 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 SqliteStatements::SqliteStatements(SQLite::Database& database)
     : transaction(database),
       member(database,
-             "SELECT s.id, s.next, s.epoch, c.cursor FROM server s "
+             "SELECT s.id, s.next, s.epoch, s.bytes, s.members, s.checksum, "
+             "c.cursor, c.checksum FROM server s "
              "JOIN client c ON c.server = s.id AND c.name = ?2 "
              "WHERE s.name = ?1"),
+      server(database,
+             "SELECT id, next, epoch, bytes, members, checksum FROM server "
+             "WHERE name = ?1"),
+      newServer(database,
+                "SELECT id, EXISTS (SELECT 1 FROM server NOT INDEXED "
+                "WHERE name = ?1) OR "
+                "EXISTS (SELECT 1 FROM client WHERE server >= new.id) OR "
+                "EXISTS (SELECT 1 FROM event WHERE server >= new.id) "
+                "FROM (SELECT ifnull(max(id), 0) + 1 AS id FROM server) new"),
       addServer(database,
-                "INSERT INTO server (name, next, epoch) VALUES (?1, 1, 0) "
-                "ON CONFLICT DO NOTHING"),
+                "INSERT INTO server "
+                "(id, name, next, epoch, bytes, members, checksum) "
+                "VALUES (?1, ?2, 1, 0, 0, 0, 0)"),
+      writeServer(database,
+                  "UPDATE server SET next = ?2, epoch = ?3, bytes = ?4, "
+                  "members = ?5, checksum = ?6 WHERE id = ?1"),
       addClient(database,
-                "INSERT INTO client (server, name, cursor) "
-                "SELECT id, ?2, next - 1 FROM server WHERE name = ?1"),
+                "INSERT INTO client (server, name, cursor, checksum) "
+                "VALUES (?1, ?2, ?3, ?4)"),
       removeClient(database,
                    "DELETE FROM client WHERE server = ?1 AND name = ?2"),
-      raiseEpoch(database,
-                 "UPDATE server SET epoch = epoch + 1 WHERE name = ?1"),
       clients(database,
               "SELECT name FROM client WHERE server = ?1 ORDER BY name"),
       addEvent(database,
-               "INSERT INTO event (server, number, sender, checksum, body) "
-               "VALUES (?1, ?2, ?3, ?4, ?5)"),
-      takeNumber(database, "UPDATE server SET next = next + 1 WHERE id = ?1"),
-      firstOfOthers(database,
-                    "SELECT number FROM event "
-                    "WHERE server = ?1 AND number > ?2 AND sender <> ?3 "
-                    "ORDER BY number LIMIT 1"),
+               "INSERT INTO event (server, number, sender, origin, checksum, "
+               "start, time, body) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)"),
       moveCursor(database,
-                 "UPDATE client SET cursor = ?3 "
-                 "WHERE server = ?1 AND name = ?2 AND cursor < ?3"),
+                 "UPDATE client SET cursor = ?3, checksum = ?4 "
+                 "WHERE server = ?1 AND name = ?2"),
+      cursorInIndex(database,
+                    "SELECT 1 FROM client INDEXED BY client_cursor "
+                    "WHERE server = ?1 AND cursor = ?2 AND name = ?3"),
       pending(database,
-              "SELECT body, number, checksum FROM event "
-              "WHERE server = ?1 AND number > ?2 AND number <= ?3 "
-              "AND sender <> ?4 ORDER BY number"),
-      trim(database,
-           "DELETE FROM event WHERE rowid IN (SELECT rowid FROM event "
-           "WHERE server = ?1 AND number <= ifnull("
-           "(SELECT min(cursor) FROM client WHERE server = ?1), "
-           "9223372036854775807) ORDER BY number LIMIT ?2)"),
-      deserted(database,
-               "SELECT id FROM server WHERE "
-               "NOT EXISTS (SELECT 1 FROM client WHERE server = id) AND "
-               "EXISTS (SELECT 1 FROM event WHERE server = id) LIMIT 1") {}
+              "SELECT number, sender, origin, checksum, body FROM event "
+              "WHERE server = ?1 AND number > ?2 ORDER BY number") {}
 
 std::int64_t SqliteRun::integer(int column) const {
     return statement.getColumn(column).getInt64();

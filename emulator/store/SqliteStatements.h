@@ -17,18 +17,17 @@ struct SqliteStatements {
 
     SqliteTransactionStatements transaction;
     SQLite::Statement member;
+    SQLite::Statement server;
+    SQLite::Statement newServer;
     SQLite::Statement addServer;
+    SQLite::Statement writeServer;
     SQLite::Statement addClient;
     SQLite::Statement removeClient;
-    SQLite::Statement raiseEpoch;
     SQLite::Statement clients;
     SQLite::Statement addEvent;
-    SQLite::Statement takeNumber;
-    SQLite::Statement firstOfOthers;
     SQLite::Statement moveCursor;
+    SQLite::Statement cursorInIndex;
     SQLite::Statement pending;
-    SQLite::Statement trim;
-    SQLite::Statement deserted;
 };
 
 // One run of a prepared statement: binds its parameters in order, texts as

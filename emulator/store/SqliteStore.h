@@ -2,8 +2,10 @@
 #define EMULATOR_STORE_SQLITESTORE_H
 
 #include <memory>
+#include <optional>
 
 #include "emulator/store/EventStore.h"
+#include "emulator/store/Leftover.h"
 #include "emulator/store/OpenStores.h"
 #include "emulator/store/SqliteOptions.h"
 
@@ -33,8 +35,10 @@ public:
     ClientList registerClient(const Identity& caller) override;
     ClientList unregisterClient(const Identity& caller) override;
     ClientList sharedClients(const Identity& caller) override;
-    ClientList putEvents(const Identity& caller,
-                         std::string_view events) override;
+    ClientList putEvents(const Identity& caller, std::string_view events,
+                         std::string_view correlation = {}) override;
+    std::optional<bool> hasEvents(const Identity& caller) override;
+    std::shared_ptr<Lease> lease(const Identity& caller) override;
     std::optional<PendingEvents> getEvents(const Identity& caller) override;
     void consume(const Identity& caller, std::int64_t upto) override;
 
@@ -47,6 +51,24 @@ private:
     template <typename Work>
     auto use(Work work, IfAbsent ifAbsent = IfAbsent::nothing);
 
+    // The same, and then removes what nobody waits for any more, as the session
+    // told after this work or an earlier one. The work is done whatever becomes
+    // of that.
+    enum class Tidying { now, later };
+    template <typename Work>
+    auto useAndTidy(Work work, Tidying tidying,
+                    IfAbsent ifAbsent = IfAbsent::nothing);
+
+    // What this call has left, and what was put off. True if something is due.
+    bool takeOver(const std::optional<Leftover>& leftover,
+                  Tidying tidying) noexcept;
+
+    void tidy(Deadline limit) noexcept;
+
+    // A step of it. False if nothing is left, or it cannot be done now.
+    bool tidyOnce() noexcept;
+    void recoverAfterTidying(int sqliteError) noexcept;
+
     Deadline deadline() const;
     void dropIfStuck() noexcept;
 
@@ -58,6 +80,8 @@ private:
 
     const SqliteOptions options;
     std::unique_ptr<SqliteSession> session;  // null while the file is closed
+    std::optional<Leftover> putOff;          // to the next call
+    std::optional<Leftover> due;
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

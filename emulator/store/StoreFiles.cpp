@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "emulator/store/StoreError.h"
+#include "emulator/store/SystemAdvice.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
@@ -39,9 +40,20 @@ StoreError notMade(const std::string& what, const std::string& path,
                    int error) {
     return StoreError("The " + what + " '" + path +
                       "' of the event store cannot be made (" +
-                      std::strerror(error) +
-                      "). Make it yourself, or set OVMEM_STORE to another "
-                      "place.");
+                      std::strerror(error) + "). " +
+                      adviceFor(error,
+                                "Make it yourself, or set OVMEM_STORE to "
+                                "another place."));
+}
+
+// What cannot be looked at is not what is not there.
+StoreError notSeen(const std::string& path, int error) {
+    return StoreError("The file '" + path +
+                      "' of the event store cannot be looked at (" +
+                      std::strerror(error) + "). " +
+                      adviceFor(error,
+                                "Make its folder readable, or set OVMEM_STORE "
+                                "to another place."));
 }
 
 StoreError refused(const std::string& path, const std::string& fault) {
@@ -62,6 +74,9 @@ StoreFiles::Snapshot::File fileAt(const std::string& path) noexcept {
 bool isThere(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR) {
+            throw notSeen(path, errno);
+        }
         return false;
     }
     if (S_ISLNK(status.st_mode)) {
@@ -73,6 +88,15 @@ bool isThere(const std::string& path) {
     return true;
 }
 
+// So that a power cut does not take away what was made in `folder`. A file
+// system that cannot sync a folder has no need to.
+void syncNames(const fs::path& folder) {
+    const File file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (file.get() >= 0) {
+        ::fsync(file.get());
+    }
+}
+
 void makeFolders(const fs::path& folder, Access access) {
     std::error_code unknown;
     if (folder.empty() || fs::is_directory(folder, unknown)) {
@@ -82,6 +106,7 @@ void makeFolders(const fs::path& folder, Access access) {
     const mode_t mode = access == Access::group ? 02770 : 0700;
     if (::mkdir(folder.c_str(), mode) == 0) {
         ::chmod(folder.c_str(), mode);
+        syncNames(folder.parent_path());
     } else if (errno != EEXIST) {
         throw notMade("folder", folder.string(), errno);
     }
@@ -150,6 +175,12 @@ void StoreFiles::makePlace() const {
 
 void StoreFiles::makeDatabase() const {
     makeFile(path, access);
+}
+
+// SQLite's own order: an index without a log would mean that one was removed.
+void StoreFiles::removeLogAndIndex() const noexcept {
+    ::unlink(index().c_str());
+    ::unlink(log().c_str());
 }
 
 void StoreFiles::rememberInGate() const {

@@ -52,6 +52,9 @@ public:
     // An empty file for the database, unless it is there. Inside the gate.
     void makeDatabase() const;
 
+    // A log that was not written back is lost. Inside the gate.
+    void removeLogAndIndex() const noexcept;
+
     // From now on the store cannot vanish unnoticed. Inside the gate.
     void rememberInGate() const;
     bool isRemembered() const noexcept;

@@ -1,9 +1,14 @@
 #include "emulator/store/StoreUrl.h"
 
 #include <cctype>
+#include <charconv>
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
+#include <set>
 #include <string_view>
 #include <system_error>
 
@@ -16,10 +21,13 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 namespace {
 
 constexpr std::string_view sqliteScheme = "sqlite:";
+constexpr std::int64_t mostSeconds = 24 * 60 * 60;
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::string_view forms =
-    "Set OVMEM_STORE to sqlite:PATH or memory:. Options of sqlite:PATH follow "
-    "a '?', with '&' between them: synchronous=NORMAL or FULL, access=OWNER "
-    "or GROUP.";
+    "Set OVMEM_STORE to sqlite:PATH or memory:. Options follow a '?', with "
+    "'&' between them: portion=BYTES, dedupe=correlation, lease=SECONDS, "
+    "limit-events=N, limit-bytes=N, limit-age=SECONDS; of sqlite:PATH alone: "
+    "synchronous=NORMAL or FULL, access=OWNER or GROUP.";
 
 int byte(char character) {
     return static_cast<unsigned char>(character);
@@ -30,26 +38,95 @@ StoreError urlError(const std::string& url, const std::string& fault) {
                       std::string(forms));
 }
 
-void parseOption(SqliteOptions& options, const std::string& url,
-                 std::string_view option) {
-    if (option == "synchronous=FULL") {
+bool isInMemory(const std::string& url) {
+    return url == "memory:" || url.starts_with("memory:?");
+}
+
+// One option of a URL: NAME=VALUE, the '=' and what follows perhaps missing.
+struct Option {
+    Option(const std::string& whole, std::string_view text)
+        : url(whole), name(text.substr(0, text.find('='))) {
+        text.remove_prefix(name.size());
+        value = text.substr(text.empty() ? 0 : 1);
+    }
+
+    std::int64_t number(std::int64_t most = largest) const {
+        std::int64_t result = 0;
+        const char* const end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, result);
+        if (error != std::errc() || rest != end || result < 1 ||
+            result > most) {
+            throw urlError(url, "gives " + std::string(name) +
+                                    " no whole number from 1 to " +
+                                    std::to_string(most));
+        }
+        return result;
+    }
+
+    bool is(std::string_view which, std::string_view given) const {
+        return name == which && value == given;
+    }
+
+    const std::string& url;
+    std::string_view name;
+    std::string_view value;
+};
+
+// False if it is no option of any store.
+bool parseCommonOption(SqliteOptions& options, const Option& option) {
+    if (option.name == "portion") {
+        options.portion = static_cast<std::size_t>(option.number());
+    } else if (option.is("dedupe", "correlation")) {
+        options.dedupe = true;
+    } else if (option.name == "lease") {
+        options.lease = std::chrono::seconds(option.number(mostSeconds));
+    } else if (option.name == "limit-events") {
+        options.limits.events = option.number();
+    } else if (option.name == "limit-bytes") {
+        options.limits.bytes = option.number();
+    } else if (option.name == "limit-age") {
+        options.limits.seconds = option.number();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// The same of a store in a file.
+bool parseFileOption(SqliteOptions& options, const Option& option) {
+    if (option.is("synchronous", "FULL")) {
         options.synchronous = Synchronous::full;
-    } else if (option == "synchronous=NORMAL") {
+    } else if (option.is("synchronous", "NORMAL")) {
         options.synchronous = Synchronous::normal;
-    } else if (option == "access=OWNER") {
+    } else if (option.is("access", "OWNER")) {
         options.access = Access::owner;
-    } else if (option == "access=GROUP") {
+    } else if (option.is("access", "GROUP")) {
         options.access = Access::group;
     } else {
-        throw urlError(url, "has an unknown option");
+        return false;
     }
+    return true;
 }
 
 void parseOptions(SqliteOptions& options, const std::string& url,
                   std::string_view list) {
+    std::set<std::string_view> seen;
     for (;;) {
         const auto end = list.find('&');
-        parseOption(options, url, list.substr(0, end));
+        const Option option(url, list.substr(0, end));
+        if (!parseCommonOption(options, option)) {
+            if (!parseFileOption(options, option)) {
+                throw urlError(url, "has an unknown option");
+            }
+            if (isInMemory(url)) {
+                throw urlError(url,
+                               "has an option that a store in memory does not "
+                               "have");
+            }
+        }
+        if (!seen.insert(option.name).second) {
+            throw urlError(url, "gives " + std::string(option.name) + " twice");
+        }
         if (end == std::string_view::npos) {
             return;
         }
@@ -78,6 +155,15 @@ void requirePlainPath(const std::string& url, std::string_view path) {
     }
 }
 
+// Of a store in memory: those that it has in common with one in a file.
+SqliteOptions parseMemoryUrl(const std::string& url) {
+    SqliteOptions options;
+    if (const auto mark = url.find('?'); mark != std::string::npos) {
+        parseOptions(options, url, std::string_view(url).substr(mark + 1));
+    }
+    return options;
+}
+
 const char* variable(const char* name) {
     const char* value = std::getenv(name);
     return value && *value ? value : nullptr;
@@ -86,7 +172,8 @@ const char* variable(const char* name) {
 }  // namespace
 
 std::optional<SqliteOptions> parseStoreUrl(const std::string& url) {
-    if (url == "memory:") {
+    if (isInMemory(url)) {
+        parseMemoryUrl(url);
         return std::nullopt;
     }
     if (url.starts_with("postgresql:") || url.starts_with("postgres:")) {
@@ -133,7 +220,12 @@ std::string storeUrlOfEnvironment() {
 std::unique_ptr<EventStore> openStore(const std::string& url) {
     const std::optional<SqliteOptions> options = parseStoreUrl(url);
     if (!options) {
-        return std::make_unique<MemoryStore>();
+        const SqliteOptions common = parseMemoryUrl(url);
+        return std::make_unique<MemoryStore>(
+            MemoryStore::Options{.portion = common.portion,
+                                 .dedupe = common.dedupe,
+                                 .lease = LeaseTerms{common.lease},
+                                 .limits = common.limits});
     }
     return std::make_unique<SqliteStore>(*options);
 }

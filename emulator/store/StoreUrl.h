@@ -15,7 +15,18 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 //     sqlite:PATH[?OPTION[&OPTION...]]
 //         synchronous=NORMAL|FULL
 //         access=OWNER|GROUP
-//     memory:
+//     memory:[?OPTION[&OPTION...]]
+//
+// Options of both:
+//
+//     portion=BYTES
+//     dedupe=correlation
+//     lease=SECONDS
+//     limit-events=N
+//     limit-bytes=N
+//     limit-age=SECONDS
+//
+// No option may be given twice.
 
 // What a URL says: the options of a SQLite store, or nothing for one in
 // memory. A relative path becomes absolute, so that a later change of the

@@ -50,6 +50,10 @@ function(ovmem_add_test_program target)
   if(arg_SCRIPTED)
     target_link_libraries(${target} PRIVATE ovmem_scripted_platform)
   endif()
+  if(OVMEM_SANITIZE STREQUAL "thread")
+    target_sources(${target} PRIVATE
+      "${PROJECT_SOURCE_DIR}/tests/support/WatchedClockLock.cpp")
+  endif()
   ovmem_precompile_tests(${target})
 endfunction()
 

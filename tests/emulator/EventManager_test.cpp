@@ -9,11 +9,13 @@
 
 #include "emulator/manager/Refusal.h"
 #include "emulator/manager/SharedClientsReplies.h"
+#include "emulator/manager/ShownText.h"
 #include "emulator/store/MemoryStore.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace {
 
@@ -21,7 +23,7 @@ class EventManagerTest : public testing::Test {
 protected:
     Reply answer(Operation operation, const std::string& client,
                  const std::string& body = "") {
-        return manager.answer({operation, {"plant", client}}, body);
+        return manager.answer({operation, {"plant", client}, "test"}, body);
     }
 
     // The identities in a reply, each between its tags.
@@ -76,9 +78,9 @@ TEST_F(EventManagerTest, GetEventsAnswersWithTheQueueAndWhatToConsume) {
     answer(Operation::registerClient, "valve");
     answer(Operation::putEvents, "pump", "one");
     answer(Operation::putEvents, "pump", "two");
+    EXPECT_EQ(*answer(Operation::getEvents, "valve").text, "onetwo");
     const Reply first = answer(Operation::getEvents, "valve", "ignored");
     EXPECT_EQ(*first.text, "onetwo");
-    EXPECT_EQ(*answer(Operation::getEvents, "valve").text, "onetwo");
     ASSERT_TRUE(first.consumption.has_value());
     EXPECT_EQ(first.consumption->caller.serverId, "plant");
     EXPECT_EQ(first.consumption->caller.clientId, "valve");
@@ -137,4 +139,24 @@ TEST_F(EventManagerTest, AnIdentityThatXmlCannotCarryIsRefused) {
         }
     }
     EXPECT_THAT(ids(Operation::registerClient, "a\tb"), IsEmpty());
+}
+
+TEST_F(EventManagerTest, AClientWithWhichTheListWouldBeTooLongIsRefused) {
+    const std::string costly(60000, '&');
+    for (const char* number : {"1", "2", "3", "4", "5"}) {
+        answer(Operation::registerClient, number + costly);
+    }
+    try {
+        answer(Operation::registerClient, "6" + costly);
+        ADD_FAILURE() << "no refusal";
+    } catch (const Refusal& refusal) {
+        EXPECT_EQ(refusal.status, -751);
+        EXPECT_EQ(refusal.what(),
+                  "The client " + shown("6" + costly) +
+                      " cannot be registered with the server 'plant': the "
+                      "list of its clients would become too long to be read. "
+                      "Unregister clients that are no longer used, or use "
+                      "another server.");
+    }
+    EXPECT_THAT(ids(Operation::registerClient, "valve"), SizeIs(5));
 }

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "emulator/store/ClientListLimit.h"
 #include "emulator/store/MemoryStore.h"
 #include "emulator/store/SqliteStore.h"
 #include "tests/support/TemporaryFolder.h"
@@ -20,7 +21,8 @@ namespace {
 // What the suite needs to know of each kind of store.
 
 struct InMemory {
-    explicit InMemory(std::size_t portion = portionBytes) : store(portion) {}
+    explicit InMemory(std::size_t portion = portionBytes)
+        : store({.portion = portion}) {}
 
     MemoryStore store;
 
@@ -106,6 +108,29 @@ TYPED_TEST(EventStoreContract, TheListIsTheSameUntilSomebodyComesOrGoes) {
     EXPECT_THAT(*this->kind.store.unregisterClient({"plant", "motor"}),
                 ElementsAre("pump", "valve"));
     EXPECT_THAT(*list, ElementsAre("pump", "valve"));
+}
+
+TYPED_TEST(EventStoreContract, AClientThatMakesTheListTooLongIsNotAdded) {
+    const std::string costly(60000, '&');
+    for (const char* number : {"1", "2", "3", "4", "5"}) {
+        this->join(number + costly);
+    }
+    this->put("1" + costly, "open");
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_THROW(this->join("6" + costly), ClientListTooLong);
+        EXPECT_EQ(this->kind.store.sharedClients({"plant", "6" + costly}),
+                  nullptr);
+        EXPECT_EQ(
+            this->kind.store.sharedClients({"plant", "2" + costly})->size(),
+            5U);
+    }
+    // Who is there may register again.
+    EXPECT_EQ(this->join("5" + costly)->size(), 5U);
+    EXPECT_EQ(this->pending("5" + costly), "open");
+    EXPECT_EQ(this->join("valve")->size(), 6U);
+    this->kind.store.unregisterClient({"plant", "1" + costly});
+    EXPECT_EQ(this->join("6" + costly)->size(), 6U);
+    EXPECT_EQ(this->pending("6" + costly), "");
 }
 
 TYPED_TEST(EventStoreContract, WhoIsNotRegisteredGetsNothing) {

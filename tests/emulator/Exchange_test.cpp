@@ -22,6 +22,10 @@ namespace {
 // A store in memory that can be lost.
 class FragileStore : public MemoryStore {
 public:
+    std::optional<bool> hasEvents(const Identity& caller) override {
+        fail();
+        return MemoryStore::hasEvents(caller);
+    }
     std::optional<PendingEvents> getEvents(const Identity& caller) override {
         fail();
         return MemoryStore::getEvents(caller);
@@ -67,6 +71,26 @@ protected:
         ASSERT_EQ(exchange.receive(manager, buffer.data()), 4);
         ASSERT_EQ(exchange.receive(manager, buffer.data()),
                   Exchange::endOfReply);
+    }
+
+    // The rest of a reply that has begun.
+    std::string restOfReply() {
+        std::string reply;
+        for (;;) {
+            const int length = exchange.receive(manager, buffer.data());
+            if (length < 0) {
+                return reply;
+            }
+            reply.append(buffer.data(), static_cast<std::size_t>(length));
+        }
+    }
+
+    // The reply to a request in one piece.
+    std::string replyTo(const std::string& operation,
+                        const std::string& client) {
+        exchange.send(headerBlock(operation, "plant", client));
+        exchange.endOfSend();
+        return restOfReply();
     }
 
     FragileStore store;
@@ -164,4 +188,33 @@ TEST_F(ExchangeTest, AStoreLostBeforeTheReplyEndsInItsError) {
     exchange.endOfSend();
     store.lost = true;
     EXPECT_THROW(exchange.receive(manager, buffer.data()), StoreError);
+}
+
+// The front of such a reply is given back while it is received.
+TEST_F(ExchangeTest, EventsOfManyPagesArriveAsTheyWerePut) {
+    store.registerClient({"plant", "pump"});
+    store.registerClient({"plant", "valve"});
+    std::string events;
+    while (events.size() < 5U * 1024 * 1024) {
+        events += std::to_string(events.size()) + "\n";
+    }
+    store.putEvents({"plant", "pump"}, events);
+    EXPECT_TRUE(replyTo("getEvents", "valve") == events);
+    exchange.abandon();
+    EXPECT_TRUE(replyTo("getEvents", "valve") == events);
+    exchange.complete(manager);
+    EXPECT_EQ(replyTo("getEvents", "valve"), "");
+}
+
+// It is kept for the next request, so its front must stay.
+TEST_F(ExchangeTest, AListOfManyPagesIsTheSameTheNextTime) {
+    store.registerClient({"plant", "valve"});
+    for (int i = 0; i < 60; ++i) {
+        store.registerClient(
+            {"plant", std::to_string(i) + std::string(50000, 'x')});
+    }
+    const std::string list = replyTo("getSharedClients", "valve");
+    EXPECT_GT(list.size(), 60U * 50000);
+    EXPECT_EQ(list.find('\0'), std::string::npos);
+    EXPECT_TRUE(replyTo("getSharedClients", "valve") == list);
 }

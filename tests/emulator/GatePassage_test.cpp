@@ -2,8 +2,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -23,6 +26,7 @@ using OvMemTest::StoppedHolder;
 
 namespace {
 
+namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 class GatePassageTest : public testing::Test {
@@ -35,6 +39,27 @@ protected:
         } catch (const StoreError& error) {
             return error.what();
         }
+    }
+
+    // How often this process has the gate open.
+    std::ptrdiff_t opened() const {
+        std::ptrdiff_t count = 0;
+        for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            count += fs::read_symlink(entry, gone) == gate ? 1 : 0;
+        }
+        return count;
+    }
+
+    // Whether somebody has locked the first byte of the file.
+    bool placeOfTheNextIsTaken() const {
+        const int file = ::open(gate.c_str(), O_RDWR | O_CLOEXEC);
+        struct flock place {};
+        place.l_type = F_WRLCK;
+        place.l_len = 1;
+        EXPECT_EQ(::fcntl(file, F_OFD_GETLK, &place), 0);
+        ::close(file);
+        return place.l_type != F_UNLCK;
     }
 
     OvMemTest::TemporaryFolder folder;
@@ -116,4 +141,101 @@ TEST_F(GatePassageTest, AFileThatCannotBeMadeIsReported) {
                       "or directory). Make its folder writable, or set "
                       "OVMEM_STORE to a place that is.");
     }
+}
+
+TEST_F(GatePassageTest, AGateThatIsKeptIsOpenedOnceForAllPassages) {
+    {
+        Gate kept(gate);
+        EXPECT_EQ(kept.path(), gate);
+        EXPECT_EQ(opened(), 0);
+        for (int i = 0; i < 3; ++i) {
+            const GatePassage passage(kept, Clock::now());
+            EXPECT_EQ(opened(), 1);
+        }
+        EXPECT_EQ(opened(), 1);
+    }
+    EXPECT_EQ(opened(), 0);
+}
+
+TEST_F(GatePassageTest, AGateThatIsKeptIsShutDuringAPassageOnly) {
+    Gate kept(gate);
+    {
+        const GatePassage passage(kept, Clock::now());
+        EXPECT_EQ(outcome(20ms),
+                  "The event store is in use: another part of this process "
+                  "holds its gate '" +
+                      gate +
+                      "'. Let that process go on or end it, then repeat the "
+                      "call.");
+    }
+    EXPECT_EQ(outcome(0ms), "through");
+}
+
+TEST_F(GatePassageTest, OneIsThroughAtATimeAlsoWhereGatesAreKept) {
+    int passages = 0;  // one at a time counts
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            Gate kept(gate);
+            for (int round = 0; round < 50; ++round) {
+                const Deadline limit = Clock::now() + 60s;
+                if (i % 2 == 0) {
+                    const GatePassage passage(kept, limit);
+                    ++passages;
+                } else {
+                    const GatePassage passage(gate, limit);
+                    ++passages;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(passages, 400);
+}
+
+TEST_F(GatePassageTest, WhoWaitedInVainAtAKeptGateIsNoLongerNext) {
+    Gate kept(gate);
+    const StoppedHolder holder(gate);
+    try {
+        const GatePassage passage(kept, Clock::now() + 50ms);
+        ADD_FAILURE() << "passed a gate that is shut";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.what(), holder.timeoutText());
+    }
+    EXPECT_EQ(opened(), 1);
+    EXPECT_FALSE(placeOfTheNextIsTaken());
+}
+
+TEST_F(GatePassageTest, AHolderSeesThatSomebodyWaits) {
+    Gate kept(gate);
+    std::thread waiter;
+    {
+        const GatePassage passage(kept, Clock::now());
+        EXPECT_FALSE(kept.hasWaiters());
+        waiter = std::thread([this] { EXPECT_EQ(outcome(60s), "through"); });
+        const auto limit = Clock::now() + 30s;
+        while (!kept.hasWaiters() && Clock::now() < limit) {
+            std::this_thread::yield();
+        }
+        EXPECT_TRUE(kept.hasWaiters());
+    }
+    waiter.join();
+    EXPECT_FALSE(kept.hasWaiters());
+}
+
+TEST_F(GatePassageTest, AKeptGateKnowsWhetherItStillHasItsName) {
+    Gate kept(gate);
+    EXPECT_FALSE(kept.hasItsName());
+    { const GatePassage passage(kept, Clock::now()); }
+    EXPECT_TRUE(kept.hasItsName());
+    fs::rename(gate, gate + "-moved");
+    EXPECT_FALSE(kept.hasItsName());
+    folder.write("gate", "");
+    EXPECT_FALSE(kept.hasItsName());
+    fs::rename(gate + "-moved", gate);
+    EXPECT_TRUE(kept.hasItsName());
+    fs::remove(gate);
+    EXPECT_FALSE(kept.hasItsName());
 }

@@ -213,11 +213,41 @@ TEST(OvMemBindingUnstarted, AStoreThatCannotBeReachedIsRefused) {
     EXPECT_EQ(lastError(),
               "The store URL 'postgresql://host/events' names a PostgreSQL "
               "store, which is not built in. Set OVMEM_STORE to sqlite:PATH or "
-              "memory:. Options of sqlite:PATH follow a '?', with '&' between "
-              "them: synchronous=NORMAL or FULL, access=OWNER or GROUP.");
+              "memory:. Options follow a '?', with '&' between them: "
+              "portion=BYTES, dedupe=correlation, lease=SECONDS, "
+              "limit-events=N, limit-bytes=N, limit-age=SECONDS; of "
+              "sqlite:PATH alone: synchronous=NORMAL or FULL, access=OWNER or "
+              "GROUP.");
     EXPECT_EQ(OvMem_SendEOF(), -3016) << "started after all";
     environment.set("OVMEM_STORE", "sqlite:" + folder.file("events.db"));
     EXPECT_EQ(OvMem_Init(&std::malloc, &std::free), 0);
     EXPECT_EQ(lastError(), "(none)");
+    EXPECT_EQ(OvMem_Term(), 0);
+}
+
+TEST(OvMemBindingUnstarted, APutBeyondALimitOfTheStoreIsRefused) {
+    const TemporaryFolder folder;
+    Environment environment;
+    const std::string path = folder.file("events.db");
+    environment.set("OVMEM_STORE", "sqlite:" + path + "?limit-events=1");
+    ASSERT_EQ(OvMem_Init(&std::malloc, &std::free), 0);
+    const std::string valveOnly = sharedClients({"valve"});
+    request("registerClient", "plant", "pump");
+    request("registerClient", "plant", "valve");
+    EXPECT_EQ(request("putEvents", "plant", "pump", "one"),
+              (Outcome{-1, valveOnly, "(none)"}));
+    EXPECT_EQ(request("putEvents", "plant", "pump", "two"),
+              (Outcome{-751, "",
+                       "The event store '" + path +
+                           "' keeps at most 1 event for a client "
+                           "(limit-events=1), and 2 events would wait with "
+                           "this put for the client 'valve' of the server "
+                           "'plant'. Nothing was stored. Let that client get "
+                           "its events, or unregister it, then repeat the "
+                           "put."}));
+    EXPECT_EQ(request("getEvents", "plant", "valve"),
+              (Outcome{-1, "one", "(none)"}));
+    EXPECT_EQ(request("putEvents", "plant", "pump", "two"),
+              (Outcome{-1, valveOnly, "(none)"}));
     EXPECT_EQ(OvMem_Term(), 0);
 }

@@ -41,6 +41,20 @@ TEST(RequestHeader, TheClientsBlockIsUnderstood) {
     EXPECT_EQ(header.operation, Operation::putEvents);
     EXPECT_EQ(header.caller.serverId, "plant");
     EXPECT_EQ(header.caller.clientId, "pump");
+    EXPECT_EQ(header.correlation, "night");
+}
+
+TEST(RequestHeader, ACorrelationMayBeMissingOrNameNoPut) {
+    const auto correlation = [](const std::string& line) {
+        return RequestHeader::parse(service + line +
+                                    "Operation-Name=putEvents\r\nServer-ID="
+                                    "\r\nClient-ID=\r\n\r\n")
+            .correlation;
+    };
+    EXPECT_EQ(correlation(""), "");
+    EXPECT_EQ(correlation("Log-Correlation-ID=\r\n"), "");
+    EXPECT_EQ(correlation("Log-Correlation-ID=ovmem.put\r\n"), "");
+    EXPECT_EQ(correlation("Log-Correlation-ID=ovmem.put \r\n"), "ovmem.put ");
 }
 
 TEST(RequestHeader, EveryOperationHasItsName) {

@@ -12,6 +12,7 @@
 
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/StoppedHolder.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -228,6 +229,7 @@ TEST_F(SqliteStoreFiles, AnotherStoreOfTheSameNameIsNoticedByTheNextPut) {
     for (const char* end : {"-wal", "-shm"}) {
         fs::remove(options.path + end);
     }
+    fs::rename(other.path + ".gate", options.path + ".gate");
     fs::rename(other.path, options.path);
     ASSERT_NE(store.putEvents(pump, "new;"), nullptr);
     EXPECT_EQ(pending(), "new;");
@@ -251,6 +253,30 @@ TEST_F(SqliteStoreFiles, WhatIsInALogThatLostItsNameIsNotLost) {
     EXPECT_EQ(pending(), "before;after;");
 }
 
+TEST_F(SqliteStoreFiles, ALogThatIsReplacedByAnotherOneLosesNothing) {
+    SqliteStore store(options);
+    registerBoth(store);
+    store.putEvents(pump, "before;");
+    fs::rename(folder.write("other", "not a log"), options.path + "-wal");
+    EXPECT_EQ(store.getEvents(valve)->text, "before;");
+    store.putEvents(pump, "after;");
+    EXPECT_EQ(pending(), "before;after;");
+}
+
+TEST_F(SqliteStoreFiles, WhoeverOpensAStoreWithoutTheLogOfOthersIsRefused) {
+    SqliteStore store(options);
+    registerBoth(store);
+    store.putEvents(pump, "before;");
+    fs::remove(options.path + "-wal");
+    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+              "The log '" + options.path +
+                  "-wal' of the event store was removed or replaced while "
+                  "another process uses it. Let that process make its next "
+                  "call, or end it, then repeat the call.");
+    store.putEvents(pump, "after;");
+    EXPECT_EQ(pending(), "before;after;");
+}
+
 TEST_F(SqliteStoreFiles, AnIndexOrAGateThatLostItsNameLosesNothing) {
     SqliteStore store(options);
     registerBoth(store);
@@ -260,4 +286,55 @@ TEST_F(SqliteStoreFiles, AnIndexOrAGateThatLostItsNameLosesNothing) {
         store.putEvents(pump, "after;");
     }
     EXPECT_EQ(pending(), "before;after;before;after;");
+}
+
+TEST_F(SqliteStoreFiles, TheGateStaysOpenBetweenTwoPuts) {
+    SqliteStore store(options);
+    registerBoth(store);
+    int open = 0;
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        open += fs::read_symlink(entry, gone) == options.path + ".gate" ? 1 : 0;
+    }
+    EXPECT_EQ(open, 1);
+}
+
+TEST_F(SqliteStoreFiles, APutPassesTheGateThatHasTheNameNow) {
+    options.busyTimeoutMilliseconds = 100;
+    SqliteStore store(options);
+    registerBoth(store);
+    const std::string gate = options.path + ".gate";
+    fs::rename(gate, folder.file("moved"));
+    {
+        const OvMemTest::StoppedHolder holder(gate);
+        EXPECT_EQ(refusal([&] { store.putEvents(pump, "held up;"); }),
+                  holder.timeoutText());
+    }
+    store.putEvents(pump, "through;");
+    EXPECT_EQ(pending(), "through;");
+}
+
+TEST_F(SqliteStoreFiles, APlaceThatCannotBeMadeIsNamedWithTheReason) {
+    const auto refusalOf = [this](const std::string& path) {
+        options.path = path;
+        return refusal([this] { SqliteStore(options).registerClient(pump); });
+    };
+    const std::string advice =
+        "Make it yourself, or set OVMEM_STORE to another place.";
+    const std::string file = folder.write("file", "");
+    EXPECT_EQ(refusalOf(file + "/events.db"),
+              "The folder '" + file +
+                  "' of the event store cannot be made (Not a directory). " +
+                  advice);
+    const std::string reason =
+        ::geteuid() == 0 ? "No such file or directory" : "Permission denied";
+    EXPECT_EQ(refusalOf("/proc/ovmem/events.db"),
+              "The folder '/proc/ovmem' of the event store cannot be made (" +
+                  reason + "). " + advice);
+    const std::string longName = folder.file(std::string(252, 'e'));
+    EXPECT_EQ(refusalOf(longName),
+              "The file '" + longName +
+                  ".gate' of the event store cannot be made (File name too "
+                  "long). " +
+                  advice);
 }

@@ -16,6 +16,7 @@
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/StoreError.h"
 #include "tests/emulator/FailingWrites.h"
+#include "tests/emulator/SealedRows.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
@@ -56,10 +57,12 @@ protected:
             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
             "FROM n WHERE i < " +
             std::to_string(count) +
-            ") INSERT INTO event SELECT 1, i, x'', 0, 'tick' FROM n");
+            ") INSERT INTO event SELECT 1, i, x'', 0, 0, 4 * i, 0, 'tick' "
+            "FROM n");
         file.exec("UPDATE server SET next = " + std::to_string(count + 1));
         file.exec("UPDATE client SET cursor = " + std::to_string(count));
         transaction.commit();
+        OvMemTest::sealRows(file);
     }
 
     static Deadline soon() {
@@ -149,12 +152,15 @@ TEST_F(SqliteStoreTest, APutRemovesAFewOfTheEventsThatAllHaveConsumed) {
         store.putEvents(pump, "tick");
     }
     EXPECT_EQ(number("SELECT count(*) FROM event"), 100);
-    SQLite::Database(options.path, SQLite::OPEN_READWRITE)
-        .exec("UPDATE client SET cursor = 100");
+    {
+        SQLite::Database file(options.path, SQLite::OPEN_READWRITE);
+        file.exec("UPDATE client SET cursor = 100");
+        OvMemTest::sealRows(file);
+    }
     store.putEvents(pump, "tick");
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 69);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 93);
     store.putEvents(pump, "tick");
-    EXPECT_EQ(number("SELECT count(*) FROM event"), 38);
+    EXPECT_EQ(number("SELECT count(*) FROM event"), 86);
     store.consume(valve, 102);
     EXPECT_EQ(number("SELECT count(*) FROM event"), 0);
 }
@@ -240,12 +246,14 @@ TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
 
 TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
     SqliteStore(options).registerClient(pump);
-    SQLite::Database(options.path, SQLite::OPEN_READWRITE)
-        .exec("PRAGMA user_version = 3");
-    EXPECT_EQ(refusalToOpen(),
-              "The event store '" + options.path +
-                  "' was written by another version. Use that version, or set "
-                  "OVMEM_STORE to a new file.");
+    for (const char* version : {"1", "2", "4"}) {
+        SQLite::Database(options.path, SQLite::OPEN_READWRITE)
+            .exec(std::string("PRAGMA user_version = ") + version);
+        EXPECT_EQ(refusalToOpen(),
+                  "The event store '" + options.path +
+                      "' was written by another version. Use that version, or "
+                      "set OVMEM_STORE to a new file.");
+    }
 }
 
 TEST_F(SqliteStoreTest, AStoreWithTriggersOfAnotherProgramIsRefused) {
@@ -280,7 +288,8 @@ TEST_F(SqliteStoreTest, AnEventThatWasAlteredIsNotDelivered) {
         "again.";
     for (const char* change :
          {"SET body = CAST('12345678-3' AS BLOB)",
-          "SET body = CAST('12345678-2x' AS BLOB)", "SET checksum = 1"}) {
+          "SET body = CAST('12345678-2x' AS BLOB)", "SET checksum = 1",
+          "SET sender = CAST('valve' AS BLOB)", "SET origin = 1"}) {
         file.exec("BEGIN");
         file.exec(std::string("UPDATE event ") + change + " WHERE number = 2");
         file.exec("COMMIT");
@@ -291,6 +300,7 @@ TEST_F(SqliteStoreTest, AnEventThatWasAlteredIsNotDelivered) {
         file.exec("DELETE FROM event");
         file.exec("UPDATE server SET next = 1");
         file.exec("UPDATE client SET cursor = 0");
+        OvMemTest::sealRows(file);
         store.putEvents(pump, "12345678-1");
         store.putEvents(pump, "12345678-2");
     }
