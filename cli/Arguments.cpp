@@ -14,16 +14,11 @@ Failure refusal(const std::string& text, const std::string& advice) {
     return {ExitCode::Usage, text, advice};
 }
 
-const CLI::Option* findOption(const CLI::App& app, const std::string& name) {
-    if (const CLI::Option* option = app.get_option_no_throw(name)) {
-        return option;
-    }
-    for (const CLI::App* command : app.get_subcommands({})) {
-        if (const CLI::Option* option = findOption(*command, name)) {
-            return option;
-        }
-    }
-    return nullptr;
+// A common option stands anywhere, one of a command behind the command.
+const CLI::Option* findOption(const CLI::App& app, const CLI::App& command,
+                              const std::string& name) {
+    const CLI::Option* common = app.get_option_no_throw(name);
+    return common ? common : command.get_option_no_throw(name);
 }
 
 class Sorter {
@@ -67,7 +62,7 @@ private:
         const bool isLong = word.starts_with("--");
         const std::size_t equals = isLong ? word.find('=') : std::string::npos;
         const std::string name = word.substr(0, equals);
-        const CLI::Option* option = findOption(app, name);
+        const CLI::Option* option = findOption(app, *sorted.command, name);
         if (option == nullptr) {
             if (sorted.unknown.empty()) {
                 sorted.unknown = word;

@@ -22,26 +22,32 @@ struct Progress {
     std::size_t size;  // of the output
 };
 
-Progress write(std::string_view output, const SignalWatch& watch) {
+// By making it once more; without memory for that, the least that it can be.
+std::size_t sizeOf(const std::string& events, const TextSource& output) {
+    if (!output) {
+        return events.size();
+    }
+    std::size_t size = 0;
+    try {
+        output([&size](std::string_view piece) {
+            size += piece.size();
+            return true;
+        });
+        return size;
+    } catch (const std::bad_alloc&) {
+        return events.size();
+    }
+}
+
+Written write(const std::string& events, const TextSource& output,
+              const SignalWatch& watch) {
     const auto isOver = [&watch] { return watch.isOver(); };
-    Written written = tryWriteOutput(output, isOver);
+    Written written = output ? tryWriteOutput(output, isOver)
+                             : tryWriteOutput(events, isOver);
     if (written.error == 0) {
         written.error = drainOutput(isOver);
     }
-    return {written, output.size()};
-}
-
-Progress makeAndWrite(const std::string& events,
-                      const std::function<std::string()>& makeOutput,
-                      const SignalWatch& watch) {
-    if (!makeOutput) {
-        return write(events, watch);
-    }
-    try {
-        return write(makeOutput(), watch);
-    } catch (const std::bad_alloc&) {
-        return {{0, ENOMEM}, events.size()};
-    }
+    return written;
 }
 
 std::string reasonOf(const Progress& progress, const SignalWatch& watch) {
@@ -93,18 +99,19 @@ std::string fateOf(const std::string& events, const Rescue& rescue) {
 
 }  // namespace
 
-void deliver(const std::string& events,
-             const std::function<std::string()>& makeOutput,
+void deliver(const std::string& events, const TextSource& output,
              SignalWatch& watch) {
     watch.enter(SignalWatch::Phase::Delivering);
-    const Progress progress = makeAndWrite(events, makeOutput, watch);
-    const bool written = progress.written.error == 0;
+    const Written result = write(events, output, watch);
+    const bool written = result.error == 0;
     const int dropped = isatty(STDOUT_FILENO) != 0 ? watch.droppedAt() : 0;
     if (written && dropped == 0) {
         return;
     }
     watch.enter(SignalWatch::Phase::Saving);
     const Rescue rescue = events.empty() ? Rescue() : saveToRescueFile(events);
+    // Only now: it may take a while.
+    const Progress progress = {result, sizeOf(events, output)};
     const std::string reason = written ? reasonOfDoubt(progress, watch, dropped)
                                        : reasonOf(progress, watch);
     const bool stopped = written ? watch.signal() != 0 : watch.isOver();

@@ -5,8 +5,8 @@
 
 namespace ovmem::cli {
 
-// Refuses a value that would not arrive as it was given. The identity and the
-// locale travel as header lines of the request, so a value
+// Refuses a value that would not arrive as it was given. The identity, the
+// locale and the id of a put travel as header lines of the request, so a value
 //   - must not hold a carriage return or a line feed, which end the line;
 //   - must not be "null", which is sent as an empty value;
 //   - must be UTF-8, whatever the locale: it is sent so, and what is not UTF-8

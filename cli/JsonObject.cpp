@@ -25,10 +25,30 @@ std::string quoteCode(char32_t code) {
             digits[code & 0xF]};
 }
 
+// ASCII that stands for itself. For speed only: most texts are nothing else.
+bool isOrdinary(char byte) {
+    return byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
+}
+
+std::string_view ordinaryPrefix(std::string_view text) {
+    const auto* const end =
+        std::find_if_not(text.begin(), text.end(), isOrdinary);
+    return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// So much of a borrowed text is encoded at once: a multiple of three, since
+// base64 encodes three bytes together.
+const std::size_t PIECE = 3 * std::size_t{16384};
+
 // REQUIRES: `text` is UTF-8.
-std::string quote(std::string_view text) {
-    std::string quoted = "\"";
+void appendQuoted(std::string_view text, std::string& quoted) {
     while (!text.empty()) {
+        const std::string_view ordinary = ordinaryPrefix(text);
+        if (!ordinary.empty()) {
+            quoted += ordinary;
+            text.remove_prefix(ordinary.size());
+            continue;
+        }
         const Character character = firstCharacter(text);
         switch (character.code) {
             case '"':
@@ -55,7 +75,25 @@ std::string quote(std::string_view text) {
         }
         text.remove_prefix(character.length);
     }
+}
+
+std::string quote(std::string_view text) {
+    std::string quoted = "\"";
+    appendQuoted(text, quoted);
     return quoted + '"';
+}
+
+bool isInsideCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
+}
+
+// The front of `text`; of UTF-8 whole characters.
+std::string_view firstPiece(std::string_view text, bool utf8) {
+    std::size_t size = std::min(PIECE, text.size());
+    while (utf8 && size < text.size() && isInsideCharacter(text[size])) {
+        --size;
+    }
+    return text.substr(0, size);
 }
 
 std::string encodedName(std::string_view name) {
@@ -107,8 +145,39 @@ void JsonObject::add(std::string_view name,
     addRaw(name, '[' + list + ']');
 }
 
+void JsonObject::addBorrowed(std::string_view name, std::string_view text) {
+    borrowedIsUtf8 = isUtf8(text);
+    borrowed = text;
+    addRaw(borrowedIsUtf8 ? std::string(name) : encodedName(name), "\"\"");
+    borrowedAt = members.size() - 1;
+}
+
 std::string JsonObject::line() const {
-    return '{' + members + "}\n";
+    std::string line;
+    write([&line](std::string_view piece) {
+        line += piece;
+        return true;
+    });
+    return line;
+}
+
+void JsonObject::write(const TextSink& sink) const {
+    bool wanted = sink('{' + members.substr(0, borrowedAt));
+    std::string encoded;
+    for (std::string_view rest = borrowed; wanted && !rest.empty();) {
+        const std::string_view piece = firstPiece(rest, borrowedIsUtf8);
+        if (borrowedIsUtf8) {
+            encoded.clear();
+            appendQuoted(piece, encoded);
+        } else {
+            encoded = toBase64(piece);
+        }
+        wanted = sink(encoded);
+        rest.remove_prefix(piece.size());
+    }
+    if (wanted) {
+        sink(members.substr(borrowedAt) + "}\n");
+    }
 }
 
 void JsonObject::addRaw(std::string_view name, const std::string& value) {

@@ -47,6 +47,11 @@ JSON. With --json, the data is one object on one line, and so is an error, on
 standard error. A text that is not UTF-8 is given in base64, under its name
 with "Base64" added ("eventsBase64").
 
+Putting again. A put that failed, or was killed, may have arrived all the same.
+With --id, and a service that knows a repeated put (the emulator with
+dedupe=correlation in OVMEM_STORE), the same command can be repeated until it
+succeeds: the events arrive once. Without it they may arrive twice.
+
 Limits. One put carries 536870912 bytes (512 MiB) at most, and no NUL. More is
 refused before anything is sent.
 
@@ -138,6 +143,10 @@ Commands addCommands(CLI::App& app, Options& options) {
                      "Event texts, sent as one in this order;\n'-' or nothing "
                      "is standard input")
         ->type_name("");  // for the help; sortArguments finds the files
+    commands.put
+        ->add_option("--id", options.id,
+                     "What the put is known by if it is sent again")
+        ->type_name("TEXT");
     for (CLI::App* command : app.get_subcommands({})) {
         addFooter(*command);
     }
@@ -246,9 +255,27 @@ void checkIdentity(const Options& options, bool hasClient) {
         throw Failure{ExitCode::Usage, "--server needs --client as well.",
                       "Give --client, or set OVMEM_CLIENT."};
     }
-    checkHeaderValue("--server", options.server.value_or(""));
+    if (options.server) {
+        checkHeaderValue("--server", *options.server);
+    }
     checkHeaderValue("--client", options.client);
     checkHeaderValue("--locale", options.locale);
+}
+
+// A put is not known by what says nothing of it.
+void checkId(const std::string& id) {
+    const std::string advice =
+        "Give --id a value that no other put of this client has.";
+    if (id.empty()) {
+        throw Failure{ExitCode::Usage, "--id is empty.", advice};
+    }
+    if (id == PUT_WITHOUT_ID) {
+        throw Failure{ExitCode::Usage,
+                      std::string("--id is '") + PUT_WITHOUT_ID +
+                          "', which is what is sent without it.",
+                      advice};
+    }
+    checkHeaderValue("--id", id);
 }
 
 }  // namespace
@@ -294,6 +321,9 @@ Options parseOptions(int count, const char* const* arguments) {
     checkNames(options);
     if (needsIdentity(options.command)) {
         checkIdentity(options, clientOption->count() > 0);
+    }
+    if (options.id) {
+        checkId(*options.id);
     }
     return options;
 }

@@ -22,6 +22,9 @@ enum class Command {
     RescuePutBack
 };
 
+// The correlation of a put that was given none.
+inline constexpr const char* PUT_WITHOUT_ID = "ovmem.put";
+
 // What the command line and the environment ask for.
 struct Options {
     // What --help or --version has to say. If present, nothing else counts.
@@ -32,6 +35,7 @@ struct Options {
     std::string client;
     std::string locale;              // empty: none is sent
     std::vector<std::string> files;  // of put; names, of rescue
+    std::optional<std::string> id;   // of put
     std::chrono::milliseconds grace = DEFAULT_GRACE;
     bool json = false;
     bool quiet = false;

@@ -1,7 +1,6 @@
 #include "cli/Session.h"
 
 #include <cstring>
-#include <functional>
 #include <list>
 #include <new>
 #include <optional>
@@ -134,7 +133,7 @@ ExitCode Session::put() {
     std::string events = readToSend([&] { return readEvents(options.files); });
     attach();
     shared.clear();
-    std::string correlation = "ovmem.put";
+    std::string correlation = options.id.value_or(PUT_WITHOUT_ID);
     connection.putEvents(events, shared, correlation);
     JsonObject object;
     object.add("command", "put");
@@ -214,7 +213,8 @@ ExitCode Session::putBack() {
     requireReceiver("Nobody would receive the events",
                     "Nothing was sent, and the files stay.");
     shared.clear();
-    std::string correlation = "ovmem.rescue";
+    // The same for the same files, so that repeating it can be made safe.
+    std::string correlation = "ovmem.rescue." + files.front().name();
     connection.putEvents(events, shared, correlation);
     requireReceiver("Nobody has received the events",
                     "The clients went just before; the files stay.");
@@ -266,16 +266,15 @@ void Session::tellRegistered() const {
 }
 
 void Session::writeEvents(const std::string& events, SignalWatch& watch) {
-    const auto asJson = [&] {
+    const auto asJson = [&](const TextSink& sink) {
         JsonObject object;
         object.add("command", "get");
         object.add("bytes", sizeOf(events));
-        object.add("events", events);
+        object.addBorrowed("events", events);
         object.add("sharedClients", shared);
-        return object.line();
+        object.write(sink);
     };
-    deliver(events, options.json ? asJson : std::function<std::string()>(),
-            watch);
+    deliver(events, options.json ? asJson : TextSource(), watch);
 }
 
 ExitCode Session::writeShared(JsonObject& object, const std::string& done) {

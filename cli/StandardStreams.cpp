@@ -4,6 +4,7 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include <fcntl.h>
@@ -91,8 +92,24 @@ void requireWritableOutput() {
 
 Written tryWriteOutput(std::string_view bytes,
                        const std::function<bool()>& giveUp) {
-    Written written = writeAll(STDOUT_FILENO, bytes, giveUp);
-    if (written.error == 0 && !bytes.empty()) {
+    return tryWriteOutput([bytes](const TextSink& sink) { sink(bytes); },
+                          giveUp);
+}
+
+Written tryWriteOutput(const TextSource& text,
+                       const std::function<bool()>& giveUp) {
+    Written written = {0, 0};
+    try {
+        text([&](std::string_view piece) {
+            const Written part = writeAll(STDOUT_FILENO, piece, giveUp);
+            written.bytes += part.bytes;
+            written.error = part.error;
+            return part.error == 0;
+        });
+    } catch (const std::bad_alloc&) {
+        written.error = ENOMEM;
+    }
+    if (written.error == 0 && written.bytes > 0) {
         written.error = errorOnClose(STDOUT_FILENO);
     }
     return written;

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string_view>
 
+#include "cli/TextSource.h"
+
 // Standard input, output and error as plain descriptors, without buffers: what
 // a call reports as written is written.
 
@@ -34,6 +36,11 @@ struct Written {
 Written tryWriteOutput(
     std::string_view bytes,
     const std::function<bool()>& giveUp = [] { return false; });
+
+// The same for a text that is made while it is written. What it cannot make for
+// want of memory ends it with ENOMEM.
+Written tryWriteOutput(const TextSource& text,
+                       const std::function<bool()>& giveUp);
 
 // Waits until a terminal on standard output has passed on what it was given;
 // does nothing where there is none. Returns 0 or errno. `giveUp` is asked as by

@@ -50,6 +50,10 @@ std::size_t lengthOfCharacter(std::string_view bytes) {
 
 bool isUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
+        if (isBetween(bytes[0], 0x00, 0x7F)) {  // for speed
+            bytes.remove_prefix(1);
+            continue;
+        }
         const std::size_t length = lengthOfCharacter(bytes);
         if (length == 0) {
             return false;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <clocale>
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 
@@ -17,6 +18,10 @@ using Orvane::Net::OvModelEventManager::Util::XmlPlatformGuard;
 
 namespace {
 
+// For the lists of clients, which must not be what fails: twice what one of
+// 60,000 clients takes.
+const std::size_t GRANTED_MEMORY = 64 * std::size_t{1024} * 1024;
+
 bool isAny(const std::string& word, std::initializer_list<const char*> words) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
@@ -32,7 +37,8 @@ bool asksForJson(int count, char** arguments) {
         if (word == "--json") {
             return true;
         }
-        if (isAny(word, {"--server", "--client", "--locale", "--grace"})) {
+        if (isAny(word,
+                  {"--server", "--client", "--locale", "--grace", "--id"})) {
             ++i;
         }
     }
@@ -45,7 +51,7 @@ ExitCode run(int count, char** arguments, Progress& progress) {
         writeOutput(*options.answer);
         return ExitCode::Done;
     }
-    const XmlPlatformGuard guard;
+    const XmlPlatformGuard guard(GRANTED_MEMORY);
     const Reporter reporter(options.json, options.quiet);
     return Session(options, reporter, progress).run();
 }

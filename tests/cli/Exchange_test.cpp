@@ -34,16 +34,18 @@ TEST_F(Exchange, TheStatusOfTheEmulatorIsAlive) {
 
 TEST_F(Exchange, TheStatusNamesWhatIsWrongWithTheStore) {
     ovmem.set("OVMEM_STORE", "file:events.db");
-    EXPECT_EQ(ovmem.run({"status"}),
-              (Outcome{2, "",
-                       "ovmem: OvMEMConnectionException (-1): OvMEM "
-                       "Connection failed\n"
-                       "ovmem: The transport says: The store URL "
-                       "'file:events.db' is of no known kind. Set OVMEM_STORE "
-                       "to sqlite:PATH or memory:. Options of sqlite:PATH "
-                       "follow a '?', with '&' between them: "
-                       "synchronous=NORMAL or FULL, access=OWNER or GROUP.\n"
-                       "ovmem: Remove the cause, then try again.\n"}));
+    EXPECT_EQ(
+        ovmem.run({"status"}),
+        (Outcome{2, "",
+                 "ovmem: OvMEMConnectionException (-1): OvMEM Connection "
+                 "failed\n"
+                 "ovmem: The transport says: The store URL 'file:events.db' is "
+                 "of no known kind. Set OVMEM_STORE to sqlite:PATH or memory:. "
+                 "Options follow a '?', with '&' between them: portion=BYTES, "
+                 "dedupe=correlation, lease=SECONDS, limit-events=N, "
+                 "limit-bytes=N, limit-age=SECONDS; of sqlite:PATH alone: "
+                 "synchronous=NORMAL or FULL, access=OWNER or GROUP.\n"
+                 "ovmem: Remove the cause, then try again.\n"}));
 }
 
 TEST_F(Exchange, StatusLooksAtNoIdentity) {

@@ -4,6 +4,27 @@
 
 using ovmem::cli::JsonObject;
 
+namespace {
+
+// The object with `text` borrowed, and the one with it in the object.
+std::string borrowedLine(const std::string& text) {
+    JsonObject object;
+    object.add("before", "b");
+    object.addBorrowed("events", text);
+    object.add("after", "a");
+    return object.line();
+}
+
+std::string ownedLine(const std::string& text) {
+    JsonObject object;
+    object.add("before", "b");
+    object.add("events", text);
+    object.add("after", "a");
+    return object.line();
+}
+
+}  // namespace
+
 TEST(JsonObject, WithoutMembersItIsEmpty) {
     EXPECT_EQ(JsonObject().line(), "{}\n");
 }
@@ -71,4 +92,50 @@ TEST(JsonObject, AListWithOneTextThatIsNotUtf8IsGivenInBase64AsAWhole) {
     JsonObject object;
     object.add("clients", std::vector<std::string>{"pum", "\xFF\xFE\xFD"});
     EXPECT_EQ(object.line(), "{\"clientsBase64\":[\"cHVt\",\"//79\"]}\n");
+}
+
+TEST(JsonObject, ABorrowedTextStandsWhereItWasAdded) {
+    EXPECT_EQ(borrowedLine("e\n"),
+              "{\"before\":\"b\",\"events\":\"e\\n\",\"after\":\"a\"}\n");
+    EXPECT_EQ(borrowedLine(""),
+              "{\"before\":\"b\",\"events\":\"\",\"after\":\"a\"}\n");
+    EXPECT_EQ(borrowedLine("\xFF\xFE\xFD"),
+              "{\"before\":\"b\",\"eventsBase64\":\"//79\",\"after\":"
+              "\"a\"}\n");
+}
+
+// Wherever a piece ends, it ends between two characters, or between two groups
+// of base64.
+TEST(JsonObject, ALongBorrowedTextIsEncodedAsIfItWereOnePiece) {
+    for (const std::string character :
+         {"x", "\"", "\u00A0", "\u2028", "\u20AC", "\U0001F600", "\xFF"}) {
+        for (std::size_t before = 0; before < 5; ++before) {
+            std::string text(before, 'x');
+            while (text.size() < 150000) {
+                text += character;
+            }
+            EXPECT_TRUE(borrowedLine(text) == ownedLine(text))
+                << character << " after " << before;
+        }
+    }
+}
+
+TEST(JsonObject, ItIsWrittenInPiecesUntilNoMoreIsWanted) {
+    const std::string text(100000, 'x');
+    JsonObject object;
+    object.addBorrowed("e", text);
+    for (std::size_t wanted = 1; wanted < 6; ++wanted) {
+        std::vector<std::string> pieces;
+        object.write([&](std::string_view piece) {
+            pieces.emplace_back(piece);
+            return pieces.size() < wanted;
+        });
+        const std::vector<std::string> all = {
+            "{\"e\":\"", std::string(49152, 'x'), std::string(49152, 'x'),
+            std::string(1696, 'x'), "\"}\n"};
+        EXPECT_EQ(pieces,
+                  std::vector<std::string>(
+                      all.begin(),
+                      all.begin() + static_cast<std::ptrdiff_t>(wanted)));
+    }
 }

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <utility>
 
 #include "tests/cli/FaultyCliTest.h"
 #include "tests/cli/Terminal.h"
@@ -19,6 +20,15 @@ protected:
         return getter.atTerminal(terminal.file()).start({"get", "--grace=99"});
     }
 
+    // How it ends when a key is pressed at its terminal.
+    Outcome pressing(char key, Program getter) const {
+        RunningProgram running = startAtTerminal(std::move(getter));
+        terminal.waitForOutput();
+        terminal.press(key);
+        terminal.takeUntilEndOf(running);
+        return running.waitForEnd();
+    }
+
     // What get says when the terminal has taken everything.
     std::string dropped(const std::string& begin,
                         const std::string& name) const {
@@ -34,11 +44,7 @@ protected:
 }  // namespace
 
 TEST_F(Keys, ThatStopGetMayDropOutputSoThatAllEventsAreSavedAsWell) {
-    RunningProgram running = startAtTerminal(getterOf(manyEvents));
-    terminal.waitForOutput();
-    terminal.press('\x03');
-    terminal.takeUntilEndOf(running);
-    const Outcome outcome = running.waitForEnd();
+    const Outcome outcome = pressing('\x03', getterOf(manyEvents));
     EXPECT_EQ(
         outcome,
         (Outcome{130, "",
@@ -46,11 +52,7 @@ TEST_F(Keys, ThatStopGetMayDropOutputSoThatAllEventsAreSavedAsWell) {
 }
 
 TEST_F(Keys, ForQuittingDropOutputToo) {
-    RunningProgram running = startAtTerminal(getterOf(manyEvents));
-    terminal.waitForOutput();
-    terminal.press('\x1C');
-    terminal.takeUntilEndOf(running);
-    const Outcome outcome = running.waitForEnd();
+    const Outcome outcome = pressing('\x1C', getterOf(manyEvents));
     EXPECT_EQ(
         outcome,
         (Outcome{131, "",
@@ -58,12 +60,8 @@ TEST_F(Keys, ForQuittingDropOutputToo) {
 }
 
 TEST_F(Keys, ThatGetIgnoresDropOutputAllTheSame) {
-    RunningProgram running =
-        startAtTerminal(getterOf(manyEvents).after("trap '' INT"));
-    terminal.waitForOutput();
-    terminal.press('\x03');
-    terminal.takeUntilEndOf(running);
-    const Outcome outcome = running.waitForEnd();
+    const Outcome outcome =
+        pressing('\x03', getterOf(manyEvents).after("trap '' INT"));
     EXPECT_EQ(outcome,
               (Outcome{9, "", dropped("input/output: Standard", "SIGINT")}));
 }
@@ -89,4 +87,17 @@ TEST_F(Keys, ThatWereNotPressedDropNothing) {
                            std::to_string(manyEvents.size()) +
                            " bytes) were written.\n"}));
     EXPECT_EQ(savedFiles().size(), 0u);
+}
+
+TEST_F(Keys, ATerminalThatDoesNotPassOutputOnLeavesEverythingSaved) {
+    RunningProgram running =
+        startAtTerminal(getterOf(manyEvents, "tcdrain output 1 fail EIO"));
+    EXPECT_EQ(terminal.takeUntilEndOf(running), manyEvents);
+    const std::string size = std::to_string(manyEvents.size());
+    EXPECT_EQ(running.waitForEnd(),
+              (Outcome{9, "",
+                       "ovmem: input/output: Cannot write the events to "
+                       "standard output: Input/output error; it has taken " +
+                           size + " of " + size + " bytes.\n" +
+                           saved(manyEvents, savedFile(manyEvents))}));
 }

@@ -54,6 +54,12 @@ TEST_F(Requests, PutRegistersAndSendsTheEvents) {
                 {"put"}, "put");
 }
 
+TEST_F(Requests, PutSendsItsIdAsTheCorrelation) {
+    script(exchange("<r/>") + exchange("<r/>"));
+    expectTrace(as("pump").set("OVMEM_LOCALE", "en_GB").input("on\noff\n"),
+                {"put", "--id", "Kühlung 7"}, "put-id");
+}
+
 TEST_F(Requests, GetRegistersFetchesAndAsks) {
     script(exchange("<r/>") + exchange("events") + exchange("<r/>"));
     expectTrace(as("pump"), {"get"}, "get");

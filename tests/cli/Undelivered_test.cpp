@@ -148,8 +148,8 @@ TEST_F(Undelivered, AFileThatMayNotGrowLeavesEverythingSaved) {
 
 TEST_F(Undelivered, WhereNoFileMayGrowEverythingIsSavedInSeveral) {
     const Outcome outcome =
-        getterOf(manyEvents).after("ulimit -f 200").run({"get"});
-    const std::size_t limit = 200 * 512;
+        getterOf(manyEvents).after("ulimit -f 400").run({"get"});
+    const std::size_t limit = 400 * 512;
     const std::vector<std::string> files = savedFiles();
     ASSERT_EQ(files.size(), manyEvents.size() / limit + 1);
     std::string list;
@@ -189,17 +189,49 @@ TEST_F(Undelivered, EventsBeforeAFailureOfTheServiceAreSavedAsWell) {
         (Outcome{9, "", failed("the events", "No space left on device", 0)}));
 }
 
+TEST_F(Undelivered, JsonIsWrittenWithoutMemoryForAllOfIt) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "The sanitizer brings operator new.";
+#endif
+    const std::string controls(1000000, '\x01');
+    std::string escaped;
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        escaped += "\\u0001";
+    }
+    const Outcome outcome = getterOf(controls, "")
+                                .set("OVMEM_TEST_LARGEST_NEW", "1100000")
+                                .run({"get", "--json"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_TRUE(outcome.output ==
+                "{\"command\":\"get\",\"bytes\":1000000,\"events\":\"" +
+                    escaped + "\",\"sharedClients\":[]}\n");
+    EXPECT_EQ(savedFiles(), std::vector<std::string>());
+}
+
+// The names of the clients are no longer than the events, but their JSON is.
 TEST_F(Undelivered, WithoutMemoryForJsonEverythingIsSaved) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "The sanitizer brings operator new.";
 #endif
-    const std::string controls(1000000, '\x01');  // six characters each
-    const Outcome outcome = getterOf(controls, "")
-                                .set("OVMEM_TEST_LARGEST_NEW", "4000000")
+    std::string name;
+    for (int i = 0; i < 100000; ++i) {
+        name += "\u0080";  // six characters each
+    }
+    script(exchange("<r/>") + exchange("the events") +
+           exchange("<r><sharedClients>" + name + "</sharedClients></r>"));
+    const Outcome outcome = withFaults(as("pump"), "")
+                                .set("OVMEM_TEST_LARGEST_NEW", "500000")
                                 .run({"get", "--json"});
-    EXPECT_EQ(outcome.exitCode, 9);
-    EXPECT_EQ(outcome.output, "");
-    savedFile(controls);
+    EXPECT_EQ(
+        outcome,
+        (Outcome{9, "",
+                 "{\"error\":\"input/output\",\"text\":\"Cannot write the "
+                 "events to standard output: Cannot allocate memory; it has "
+                 "taken 0 of 10 bytes.\",\"advice\":\"The service has handed "
+                 "them out and will not do so again. All of them (10 bytes) "
+                 "are saved in this file: " +
+                     savedFile("the events") + "\",\"exitCode\":9}\n"}));
 }
 
 TEST_F(Undelivered, NothingIsSavedWhereNoEventsWereWaiting) {

@@ -111,6 +111,33 @@ TEST_F(Usage, AValueFromTheEnvironmentIsCheckedAsWell) {
                   "Give --client a value of one line.");
 }
 
+TEST_F(Usage, AnIdByWhichNoPutIsKnownIsRefused) {
+    const std::string advice =
+        "Give --id a value that no other put of this client has.";
+    ovmem.set("OVMEM_SERVER", "plant").set("OVMEM_CLIENT", "pump");
+    expectRefusal({"put", "--id", ""}, "--id is empty.", advice);
+    expectRefusal({"put", "--id=ovmem.put"},
+                  "--id is 'ovmem.put', which is what is sent without it.",
+                  advice);
+    expectRefusal({"put", "--id", "a\nb"}, lineEnd("--id"),
+                  "Give --id a value of one line.");
+    expectRefusal({"put", "--id", "null"},
+                  "--id is \"null\", which would be sent as an empty value.",
+                  "Give --id another value.");
+    expectRefusal({"put", "--id", "\xFF"}, "--id is not UTF-8.",
+                  "Give --id a value in UTF-8, which is what is sent, whatever "
+                  "the locale.");
+}
+
+TEST_F(Usage, OnlyPutHasAnId) {
+    for (const char* command :
+         {"status", "register", "clients", "get", "unregister"}) {
+        expectRefusal({command, "--id", "run 1"},
+                      "The following argument was not expected: '--id'.",
+                      SEE_HELP);
+    }
+}
+
 TEST_F(Usage, AValueThatIsTheWordNullIsRefused) {
     expectRefusal({"get", "--server", "plant", "--client", "null"},
                   "--client is \"null\", which would be sent as an empty "
@@ -132,4 +159,13 @@ TEST_F(Usage, ErrorsAreJsonWhereJsonIsAskedFor) {
     EXPECT_EQ(ovmem.run({"fetch", "--json"}), failure);
     EXPECT_EQ(ovmem.run({"fetch", "--client", "x", "--json"}), failure);
     EXPECT_EQ(ovmem.run({"fetch", "--client=", "--json"}), failure);
+}
+
+TEST_F(Usage, TheWordAfterAnIdDoesNotAskForJson) {
+    EXPECT_EQ(ovmem.run({"put", "--id", "--json"}),
+              (Outcome{1, "",
+                       "ovmem: usage: --id is followed by '--json', which "
+                       "begins like an option.\n"
+                       "ovmem: Give --id a value; if '--json' is the value, "
+                       "write --id=--json.\n"}));
 }

@@ -19,6 +19,12 @@ protected:
         EXPECT_EQ(program.run({place}), (Outcome{0, "", ""}));
         EXPECT_EQ(eventsOf("valve"), "last words");
     }
+
+    void expectNoHeapAt(const std::string& place) {
+        Program program(OVMEM_USE_AT_EXIT);
+        program.set("OVMEM_STORE", "sqlite:" + folder.file("events.db"));
+        EXPECT_EQ(program.run({place, "ended"}), (Outcome{0, "", ""})) << place;
+    }
 };
 
 }  // namespace
@@ -57,4 +63,12 @@ TEST_F(CallsAtExit, AThreadCancelledWhileItPutsHarmsNobody) {
 
 TEST_F(CallsAtExit, ThePutOfThreadSpecificDataArrives) {
     expectPutAt("key");
+}
+
+TEST_F(CallsAtExit, AfterTheLastEndTheHostsHeapIsNeverCalledAgain) {
+    for (const char* place :
+         {"global", "late_global", "thread_local", "other_thread_local",
+          "atexit", "early_atexit", "cancelled", "key"}) {
+        expectNoHeapAt(place);
+    }
 }

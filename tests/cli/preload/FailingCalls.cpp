@@ -32,6 +32,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <time.h>
@@ -281,6 +282,12 @@ INTERPOSED int flock(int file, int operation) noexcept {
     return static_cast<int>(unlessFaulty(
         "flock", {nullptr, file},
         [&](std::size_t) { return syscall(SYS_flock, file, operation); }));
+}
+
+INTERPOSED int tcdrain(int file) {
+    return static_cast<int>(unlessFaulty(
+        "tcdrain", {nullptr, file},
+        [&](std::size_t) { return syscall(SYS_ioctl, file, TCSBRK, 1); }));
 }
 
 INTERPOSED int32_t OvMem_Receive(char* buffer) {
