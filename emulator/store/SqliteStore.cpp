@@ -29,6 +29,10 @@ constexpr auto tidyLimit = 2s;
 constexpr auto tidyPatience = 250ms;
 constexpr auto tidyPause = 1ms;
 
+// A process that closes the store removes its log, which looks the same to
+// whoever opens the store at that moment.
+constexpr int mostReopenings = 20;
+
 // A get has taken its time already, so what it leaves is put off to the next
 // call. More than this is removed at once: a get of so many takes seconds.
 constexpr std::int64_t mostPutOff = 200000;
@@ -41,7 +45,8 @@ template <typename Work>
 auto SqliteStore::use(Work work, IfAbsent ifAbsent) {
     const Deadline limit = deadline();
     const auto lock = OpenStores::instance().lockUntil(limit);
-    for (bool again = false;; again = true) {
+    int reopenings = 0;
+    for (bool again = false;;) {
         try {
             if (!session && ifAbsent == IfAbsent::nothing &&
                 !StoreFiles(options).exist()) {
@@ -59,9 +64,10 @@ auto SqliteStore::use(Work work, IfAbsent ifAbsent) {
             if (again || !recoverFrom(error.getErrorCode()) || late) {
                 throwSqliteFailure(error, options.path, systemError);
             }
+            again = true;
         } catch (const FilesReplaced&) {
             session.reset();
-            if (again) {
+            if (++reopenings > mostReopenings) {
                 throw StoreError("The files of the event store '" +
                                  options.path +
                                  "' are being replaced. Repeat the call when "

@@ -1,8 +1,11 @@
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -13,12 +16,15 @@
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
 #include "tests/emulator/StoppedHolder.h"
+#include "tests/emulator/SystemCalls.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::SystemCall;
+using OvMemTest::SystemCallWatcher;
 using testing::ElementsAre;
 
 // Rights, names and identity of the files of a store.
@@ -45,6 +51,40 @@ unsigned rightsOf(const std::string& path) {
     return status.st_mode & 07777U;
 }
 
+// Another process that puts an empty log in the place of the present one each
+// time this thread is about to open the store: the first `times`.
+class ChangingLog : public SystemCallWatcher {
+public:
+    ChangingLog(std::string database, int howOften)
+        : path(std::move(database)), times(howOften) {}
+
+    Verdict before(const SystemCall& call) override {
+        if (call.kind == SystemCall::Kind::open && call.path == path &&
+            times > 0) {
+            --times;
+            ++opened;
+            std::ofstream(path + "-other").close();
+            fs::rename(path + "-other", path + "-wal");
+        }
+        return {};
+    }
+
+    // There is one before the store is opened, too.
+    void after(const SystemCall& call, long) override {
+        if (call.kind == SystemCall::Kind::remove &&
+            call.path == path + "-wal") {
+            std::ofstream(call.path).close();
+        }
+    }
+
+    int openings() const { return opened; }
+
+private:
+    const std::string path;
+    int times;
+    int opened = 0;
+};
+
 class SqliteStoreFiles : public testing::Test {
 protected:
     SqliteStoreFiles() : before(::umask(0)) {}
@@ -67,6 +107,9 @@ protected:
     std::string pending() const {
         return SqliteStore(options).getEvents(valve).value().text;
     }
+
+    // The store is opened again by the next write.
+    void loseGate() const { fs::remove(options.path + ".gate"); }
 
     OvMemTest::TemporaryFolder folder;
     SqliteOptions options{folder.file("a/b/events.db")};
@@ -286,6 +329,29 @@ TEST_F(SqliteStoreFiles, AnIndexOrAGateThatLostItsNameLosesNothing) {
         store.putEvents(pump, "after;");
     }
     EXPECT_EQ(pending(), "before;after;before;after;");
+}
+
+TEST_F(SqliteStoreFiles, APutOpensAStoreUntilItsLogIsTheSameAfterwards) {
+    registerBoth(*std::make_unique<SqliteStore>(options));
+    SqliteStore store(options);
+    store.registerClient(pump);  // writes nothing
+    loseGate();
+    ChangingLog log(options.path, 3);
+    store.putEvents(pump, "arrives;");
+    EXPECT_EQ(log.openings(), 3);
+    EXPECT_EQ(store.getEvents(valve)->text, "arrives;");
+}
+
+TEST_F(SqliteStoreFiles, APutIsRefusedIfTheLogIsNeverTheSameAfterOpening) {
+    registerBoth(*std::make_unique<SqliteStore>(options));
+    SqliteStore store(options);
+    store.registerClient(pump);  // writes nothing
+    loseGate();
+    const ChangingLog log(options.path, INT_MAX);
+    EXPECT_EQ(refusal([&] { store.putEvents(pump, "refused;"); }),
+              "The files of the event store '" + options.path +
+                  "' are being replaced. Repeat the call when that is over.");
+    EXPECT_EQ(log.openings(), 20);
 }
 
 TEST_F(SqliteStoreFiles, TheGateStaysOpenBetweenTwoPuts) {

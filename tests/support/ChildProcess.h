@@ -30,6 +30,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    pid_t id() const { return process; }
+
     // Both wait for at most `limit`, and tell whether it came to be.
 
     bool awaitOutput(const std::string& text, Milliseconds limit);
