@@ -1,4 +1,4 @@
-"""Include guards, and the form of include lines."""
+"""Include guards, no anonymous namespace in a header, and the form of include lines."""
 
 import re
 
@@ -11,6 +11,7 @@ def check(tree):
     for path in tree.of_kind("cpp"):
         if path.endswith(".h"):
             yield from _guard(tree, path)
+            yield from _anonymous(tree, path)
         quoted = [(n, t) for n, mark, t in includes.of(tree, path) if mark == '"']
         for number, target in quoted:
             if target not in known:
@@ -27,6 +28,13 @@ def _guard(tree, path):
                   if line.startswith("#")]
     if directives[:2] != [["#ifndef", guard], ["#define", guard]]:
         yield Finding(path, 1, f"begin with the include guard {guard}")
+
+
+def _anonymous(tree, path):
+    # g++ says so too, but not where test files are compiled a few at a time.
+    for number, line in tree.lines(path):
+        if re.match(r"\s*namespace\s*\{", line):
+            yield Finding(path, number, "no anonymous namespace in a header")
 
 
 def _own_first(tree, path, own):

@@ -32,7 +32,7 @@ class Worker:
         copy_of_tree.update(self.root, self.tree)
         self._must(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build,
                     "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O0",
-                    "-DOVMEM_TEST_PRECOMPILE=ON",
+                    "-DOVMEM_TEST_PRECOMPILE=ON", "-DOVMEM_TEST_UNITY=ON",
                     "-DCMAKE_PROJECT_OvMemCppBinding_INCLUDE="
                     f"{self.tree}/scripts/mutate.d/flags.cmake"])
         self.entries = entries.entries(self.build, self.part)

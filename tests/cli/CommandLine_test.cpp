@@ -4,6 +4,7 @@ using OvMemTest::exchange;
 using OvMemTest::Outcome;
 using OvMemTest::Program;
 using OvMemTest::ScriptedCliTest;
+using OvMemTest::SEE_HELP;
 
 namespace {
 
@@ -50,8 +51,6 @@ protected:
             << calls;
     }
 };
-
-const std::string SEE_HELP = "'ovmem --help' lists the commands and options.";
 
 }  // namespace
 

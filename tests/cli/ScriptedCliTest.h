@@ -7,6 +7,10 @@
 
 namespace OvMemTest {
 
+// The advice of most refusals.
+inline const std::string SEE_HELP =
+    "'ovmem --help' lists the commands and options.";
+
 // Tests that run ovmem, the same binary, over a transport and a logging
 // library that follow a script (see platform/ScriptFile.h).
 class ScriptedCliTest : public CliTest {

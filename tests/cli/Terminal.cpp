@@ -14,7 +14,7 @@ namespace OvMemTest {
 
 namespace {
 
-const int TIME_LIMIT = 100000;  // milliseconds
+const int ANSWER_LIMIT = 100000;  // milliseconds
 
 bool isReadable(int descriptor, int patience) {
     pollfd readable = {descriptor, POLLIN, 0};
@@ -74,21 +74,21 @@ void Terminal::press(char key) const {
     const char keys[] = {key, 'x'};
     char letter = 0;
     if (write(master, keys, sizeof keys) != sizeof keys ||
-        !isReadable(slave, TIME_LIMIT) || read(slave, &letter, 1) != 1 ||
+        !isReadable(slave, ANSWER_LIMIT) || read(slave, &letter, 1) != 1 ||
         letter != 'x') {
         throw std::runtime_error("The key has no effect.");
     }
 }
 
 void Terminal::waitForOutput() const {
-    if (!isReadable(master, TIME_LIMIT)) {
+    if (!isReadable(master, ANSWER_LIMIT)) {
         throw std::runtime_error("Nothing was written.");
     }
 }
 
 std::string Terminal::takeUntilEndOf(const RunningProgram& program) const {
     using Clock = std::chrono::steady_clock;
-    const auto limit = Clock::now() + std::chrono::milliseconds(TIME_LIMIT);
+    const auto limit = Clock::now() + std::chrono::milliseconds(ANSWER_LIMIT);
     const int betweenLooks = 2;
     std::string bytes;
     bool ended = false;

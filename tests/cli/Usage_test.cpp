@@ -3,6 +3,7 @@
 using OvMemTest::Outcome;
 using OvMemTest::Program;
 using OvMemTest::ScriptedCliTest;
+using OvMemTest::SEE_HELP;
 
 namespace {
 
@@ -24,8 +25,6 @@ protected:
         expectRefusal(ovmem, arguments, text, advice);
     }
 };
-
-const std::string SEE_HELP = "'ovmem --help' lists the commands and options.";
 
 std::string lineEnd(const std::string& option) {
     return option +

@@ -70,7 +70,7 @@ const Name names[] = {
     {typeid(Utf8ConversionException), "Utf8ConversionException"},
 };
 
-std::string nameOf(const std::type_info& type) {
+std::string typeName(const std::type_info& type) {
     for (const Name& name : names) {
         if (name.type == type) {
             return name.text;
@@ -167,7 +167,7 @@ TYPED_TEST(Exceptions, TheReservedFieldStartsAtZeroAndIsCopied) {
 
 TYPED_TEST(Exceptions, ItIsThrownAsItsOwnClass) {
     EXPECT_EQ(thrownBy([] { throw TypeParam(-2, "text"); }),
-              (Thrown{nameOf(typeid(TypeParam)), -2, "text"}));
+              (Thrown{typeName(typeid(TypeParam)), -2, "text"}));
 }
 
 TYPED_TEST(Exceptions, TheOwnClassAndEveryBaseCatchIt) {

@@ -68,15 +68,15 @@ const Site sites[] = {
 const Site startSite{
     "Start", [](ScriptedTransport& t, int status) { t.init(status); }, 0};
 
-struct Case {
+struct ConnectionCase {
     Operation operation;
     Site site;
     Fault fault;
     bool inSecondExchange;  // of getEvents
 };
 
-std::vector<Case> cases() {
-    std::vector<Case> result;
+std::vector<ConnectionCase> connectionCases() {
+    std::vector<ConnectionCase> result;
     for (const auto operation :
          {Operation::registering, Operation::unregistering, Operation::asking,
           Operation::getting, Operation::putting, Operation::checking}) {
@@ -98,7 +98,8 @@ std::vector<Case> cases() {
     return result;
 }
 
-std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
+std::string connectionCaseName(
+    const ::testing::TestParamInfo<ConnectionCase>& info) {
     const auto& [operation, site, fault, second] = info.param;
     const std::string status = std::to_string(fault.status);
     return std::string(operationNames[static_cast<int>(operation)]) +
@@ -108,8 +109,9 @@ std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
 
 }  // namespace
 
-class OvMEMConnectionFaults : public ConnectionTest,
-                              public ::testing::WithParamInterface<Case> {
+class OvMEMConnectionFaults
+    : public ConnectionTest,
+      public ::testing::WithParamInterface<ConnectionCase> {
 protected:
     // Keeps the XML platform, which takes longer to start than all the rest.
     static void SetUpTestSuite() { xercesc::XMLPlatformUtils::Initialize(); }
@@ -202,6 +204,7 @@ TEST_P(OvMEMConnectionFaults, AreThrownAndLeaveWhatIsPromised) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryStatusAtEveryCall, OvMEMConnectionFaults,
-                         ::testing::ValuesIn(cases()), nameOf);
+                         ::testing::ValuesIn(connectionCases()),
+                         connectionCaseName);
 
 }  // namespace OvMemTest

@@ -114,14 +114,14 @@ const Site sites[] = {
       receive}},
 };
 
-struct Case {
+struct RequestCase {
     Site site;
     Fault fault;
 };
 
 // A positive status is no error here, nor is -1 when a reply ends.
-std::vector<Case> cases() {
-    std::vector<Case> result;
+std::vector<RequestCase> requestCases() {
+    std::vector<RequestCase> result;
     for (const Site& site : sites) {
         for (const Fault& fault : faultTable) {
             const bool ends =
@@ -134,7 +134,7 @@ std::vector<Case> cases() {
     return result;
 }
 
-std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
+std::string requestCaseName(const ::testing::TestParamInfo<RequestCase>& info) {
     return info.param.site.name + "AnswersMinus" +
            std::to_string(info.param.fault.status).substr(1);
 }
@@ -142,7 +142,7 @@ std::string nameOf(const ::testing::TestParamInfo<Case>& info) {
 }  // namespace
 
 class OvMEMRequestFaults : public ScriptedPlatformTest,
-                           public ::testing::WithParamInterface<Case> {};
+                           public ::testing::WithParamInterface<RequestCase> {};
 
 TEST_P(OvMEMRequestFaults, AreThrownAndNothingMoreIsCalled) {
     const auto& [site, fault] = GetParam();
@@ -156,6 +156,6 @@ TEST_P(OvMEMRequestFaults, AreThrownAndNothingMoreIsCalled) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryStatusAtEveryCall, OvMEMRequestFaults,
-                         ::testing::ValuesIn(cases()), nameOf);
+                         ::testing::ValuesIn(requestCases()), requestCaseName);
 
 }  // namespace Orvane::Net::OvModelEventManager::Client

@@ -31,6 +31,26 @@ if(OVMEM_TEST_PRECOMPILE)
     <functional> <memory> <sstream> <string> <vector> <gtest/gtest.h>)
 endif()
 
+# The rest is mostly the other headers, once for each file: a few files of a program
+# become one. Off where every file is to stand on its own. Few enough that a change
+# of one test is built in seconds.
+option(OVMEM_TEST_UNITY "Compile the files of a test program a few at a time" OFF)
+set(CMAKE_UNITY_BUILD ${OVMEM_TEST_UNITY})
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+if(OVMEM_TEST_UNITY)
+  # Neither makes sense across files: g++ takes a file that is included for a
+  # header, and a local name is not to fear the helpers of the other files.
+  add_compile_options("$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>"
+    -Wno-shadow "$<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>")
+endif()
+
+# ovmem_compile_alone(<source> ...): in every program of this folder. For what takes
+# the place of functions of the system, and for what a program must be able to have
+# without the rest.
+function(ovmem_compile_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
 # ovmem_precompile_tests(<target>): for a program that ovmem_add_test_program has
 # not made.
 function(ovmem_precompile_tests target)
@@ -51,8 +71,9 @@ function(ovmem_add_test_program target)
     target_link_libraries(${target} PRIVATE ovmem_scripted_platform)
   endif()
   if(OVMEM_SANITIZE STREQUAL "thread")
-    target_sources(${target} PRIVATE
-      "${PROJECT_SOURCE_DIR}/tests/support/WatchedClockLock.cpp")
+    set(clock_lock "${PROJECT_SOURCE_DIR}/tests/support/WatchedClockLock.cpp")
+    target_sources(${target} PRIVATE "${clock_lock}")
+    ovmem_compile_alone("${clock_lock}")
   endif()
   ovmem_precompile_tests(${target})
 endfunction()

@@ -8,11 +8,10 @@ namespace OvMemTest {
 namespace {
 
 namespace fs = std::filesystem;
-using Kind = DiskChange::Kind;
-
 bool isAboutNames(const DiskChange& change) {
-    return change.kind == Kind::name || change.kind == Kind::folder ||
-           change.kind == Kind::unname;
+    return change.kind == DiskChange::Kind::name ||
+           change.kind == DiskChange::Kind::folder ||
+           change.kind == DiskChange::Kind::unname;
 }
 
 std::string folderOf(const std::string& path) {
@@ -31,7 +30,7 @@ DiskAfterCut::DiskAfterCut(const std::vector<DiskChange>& changes,
         const DiskChange& change = changes[i];
         if (isAboutNames(change)) {
             pendingNames.push_back(&change);
-        } else if (change.kind == Kind::syncNames) {
+        } else if (change.kind == DiskChange::Kind::syncNames) {
             std::erase_if(pendingNames, [&](const DiskChange* name) {
                 const bool isSafe = folderOf(name->path) == change.path;
                 if (isSafe) {
@@ -39,7 +38,7 @@ DiskAfterCut::DiskAfterCut(const std::vector<DiskChange>& changes,
                 }
                 return isSafe;
             });
-        } else if (change.kind == Kind::sync) {
+        } else if (change.kind == DiskChange::Kind::sync) {
             for (const DiskChange* safe : pending[change.file]) {
                 apply(*safe, contents[change.file], false);
             }
@@ -123,7 +122,7 @@ DiskAfterCut::Changes DiskAfterCut::selection(Changes changes,
 
 void DiskAfterCut::apply(const DiskChange& change, std::string& content,
                          bool torn) {
-    if (change.kind == Kind::cut) {
+    if (change.kind == DiskChange::Kind::cut) {
         content.resize(change.offset);
         return;
     }
@@ -141,7 +140,7 @@ void DiskAfterCut::apply(const DiskChange& change, std::string& content,
 }
 
 void DiskAfterCut::applyName(const DiskChange& change) {
-    if (change.kind == Kind::unname) {
+    if (change.kind == DiskChange::Kind::unname) {
         names.erase(change.path);
     } else {
         names[change.path] = change.file;

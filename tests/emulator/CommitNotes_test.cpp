@@ -14,17 +14,18 @@
 #include "emulator/store/Checksum.h"
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/QueuedEvents.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::motor;
+using OvMemTest::pump;
 using OvMemTest::StoreBytes;
+using OvMemTest::valve;
 
 namespace {
 
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
-const Identity motor{"plant", "motor"};
 const Identity printer{"office", "printer"};
 
 // A store of which earlier files are put back under a gate that knows better.

@@ -20,8 +20,8 @@ namespace {
 
 // What the suite needs to know of each kind of store.
 
-struct InMemory {
-    explicit InMemory(std::size_t portion = portionBytes)
+struct ContractInMemory {
+    explicit ContractInMemory(std::size_t portion = portionBytes)
         : store({.portion = portion}) {}
 
     MemoryStore store;
@@ -31,8 +31,8 @@ struct InMemory {
     }
 };
 
-struct InSqlite {
-    explicit InSqlite(std::size_t portion = portionBytes)
+struct ContractInSqlite {
+    explicit ContractInSqlite(std::size_t portion = portionBytes)
         : store(SqliteOptions{folder.file("events.db"), Synchronous::full,
                               10000, Access::owner, portion}) {}
 
@@ -75,8 +75,8 @@ protected:
     Kind kind;
 };
 
-using Kinds = testing::Types<InMemory, InSqlite>;
-TYPED_TEST_SUITE(EventStoreContract, Kinds);
+using ContractStores = testing::Types<ContractInMemory, ContractInSqlite>;
+TYPED_TEST_SUITE(EventStoreContract, ContractStores);
 
 }  // namespace
 

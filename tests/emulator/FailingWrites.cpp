@@ -10,7 +10,7 @@ namespace OvMemTest {
 
 namespace {
 
-int failure;
+int errorOfWrites;
 std::string failingFile;
 long firstFailing;
 
@@ -22,7 +22,7 @@ bool isFailing(int file) {
 
 ssize_t write(int file, const void* bytes, size_t count, off_t offset) {
     if (offset + static_cast<off_t>(count) > firstFailing && isFailing(file)) {
-        errno = failure;
+        errno = errorOfWrites;
         return -1;
     }
     return ::pwrite(file, bytes, count, offset);
@@ -38,7 +38,7 @@ void setWrite(sqlite3_syscall_ptr function) {
 }  // namespace
 
 FailingWrites::FailingWrites(int error, const std::string& path, long room) {
-    failure = error;
+    errorOfWrites = error;
     failingFile = path;
     firstFailing = room;
     setWrite(reinterpret_cast<sqlite3_syscall_ptr>(&write));

@@ -14,20 +14,20 @@
 
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreVerification.h"
+#include "tests/emulator/Clients.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 // A process forks workers with its store open and ends before them or after
 // them, again and again; everybody says what the store has acknowledged.
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 // "who:text" lines, by who.
 std::map<std::string, std::string> byWho(const std::string& lines) {

@@ -10,7 +10,6 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,8 +21,10 @@
 #include <unistd.h>
 
 #include "emulator/store/SqliteStore.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/FailingLease.h"
 #include "tests/emulator/Getting.h"
+#include "tests/emulator/NumberedEvents.h"
 #include "tests/emulator/StartedTransport.h"
 #include "tests/emulator/Wire.h"
 #include "tests/support/ChildProcess.h"
@@ -36,29 +37,14 @@ using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
 using OvMemTest::FailingLease;
 using OvMemTest::Getting;
+using OvMemTest::numbersIn;
+using OvMemTest::pump;
 using OvMemTest::SystemCall;
+using OvMemTest::valve;
+using OvMemTest::waitToBeKilled;
 namespace fs = std::filesystem;
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
-
-[[noreturn]] void waitToBeKilled() {
-    for (;;) {
-        ::pause();
-    }
-}
-
-std::vector<int> numbersIn(const std::string& events) {
-    std::vector<int> numbers;
-    std::istringstream stream(events);
-    for (std::string number; std::getline(stream, number, ';');) {
-        numbers.push_back(std::stoi(number));
-    }
-    std::sort(numbers.begin(), numbers.end());
-    return numbers;
-}
 
 class LeaseFileTest : public testing::Test {
 protected:

@@ -1,16 +1,15 @@
-#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <sstream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "emulator/store/MemoryStore.h"
 #include "emulator/store/SqliteStore.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/Getting.h"
+#include "tests/emulator/NumberedEvents.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,16 +18,17 @@
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::firstNumbers;
 using OvMemTest::Getting;
+using OvMemTest::motor;
+using OvMemTest::numbersIn;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 namespace {
 
-const Identity pump{"plant", "pump"};
-const Identity motor{"plant", "motor"};
-const Identity valve{"plant", "valve"};
-
-struct InMemory {
-    explicit InMemory(LeaseTerms terms) : store({.lease = terms}) {}
+struct LeasesInMemory {
+    explicit LeasesInMemory(LeaseTerms terms) : store({.lease = terms}) {}
     MemoryStore store;
 };
 
@@ -41,8 +41,8 @@ SqliteOptions optionsFor(const std::string& path, LeaseTerms terms) {
     return options;
 }
 
-struct InSqlite {
-    explicit InSqlite(LeaseTerms terms)
+struct LeasesInSqlite {
+    explicit LeasesInSqlite(LeaseTerms terms)
         : store(optionsFor(folder.file("events.db"), terms)) {}
     OvMemTest::TemporaryFolder folder;
     SqliteStore store;
@@ -59,31 +59,13 @@ protected:
     }
 };
 
-using Kinds = testing::Types<InMemory, InSqlite>;
-TYPED_TEST_SUITE(Leases, Kinds);
+using LeaseStores = testing::Types<LeasesInMemory, LeasesInSqlite>;
+TYPED_TEST_SUITE(Leases, LeaseStores);
 
 constexpr LeaseTerms impatient{60s, 50ms};
 constexpr LeaseTerms patient{60s, 60s};
 
 // The numbers in "1;2;3;", ascending.
-std::vector<int> numbersIn(const std::string& events) {
-    std::vector<int> numbers;
-    std::istringstream stream(events);
-    for (std::string number; std::getline(stream, number, ';');) {
-        numbers.push_back(std::stoi(number));
-    }
-    std::sort(numbers.begin(), numbers.end());
-    return numbers;
-}
-
-std::vector<int> firstNumbers(int count) {
-    std::vector<int> numbers;
-    for (int i = 0; i < count; ++i) {
-        numbers.push_back(i);
-    }
-    return numbers;
-}
-
 constexpr int many = 3000;
 
 // All that is got until nothing more is put.

@@ -16,11 +16,11 @@ using namespace OvMemTest;
 
 namespace {
 
-std::function<void()> failure;
+std::function<void()> heapFailure;
 
 void* allocate(std::size_t size) {
-    if (failure) {
-        failure();
+    if (heapFailure) {
+        heapFailure();
     }
     return std::malloc(size);
 }
@@ -32,16 +32,16 @@ protected:
         EXPECT_EQ(OvMem_Init(&allocate, &std::free), 0);
     }
     ~OvMemBindingFailures() override {
-        failure = nullptr;
+        heapFailure = nullptr;
         EXPECT_EQ(OvMem_Term(), 0);
     }
 
     // A status check under which the heap fails once, and one after it.
     static void expectFailure(const std::function<void()>& thrown,
                               const std::string& text) {
-        failure = thrown;
+        heapFailure = thrown;
         EXPECT_EQ(OvMem_SendNoAck("Half a header"), -3010);
-        failure = nullptr;
+        heapFailure = nullptr;
         EXPECT_EQ(lastError(), text);
         EXPECT_EQ(request("getStatus", "", "", "echo").reply, "echo");
     }
@@ -65,7 +65,7 @@ TEST_F(OvMemBindingFailures, SoDoesAnythingElseThatIsThrown) {
 
 TEST_F(OvMemBindingFailures, ATextThatTheHeapHasNoRoomForIsAFailure) {
     EXPECT_EQ(OvMem_SendEOF(), -3016);
-    failure = [] { throw std::runtime_error("the heap is closed"); };
+    heapFailure = [] { throw std::runtime_error("the heap is closed"); };
     const char* text = "old";
     EXPECT_EQ(OvMem_GetLastError(&text), -3010);
     EXPECT_EQ(text, nullptr);

@@ -19,8 +19,8 @@ namespace {
 
 // What the suite needs to know of each kind of store.
 
-struct InMemory {
-    explicit InMemory(const QueueLimits& limits)
+struct LimitsInMemory {
+    explicit LimitsInMemory(const QueueLimits& limits)
         : store({.limits = limits, .clock = [] { return now; }}) {
         now = 1000000;
     }
@@ -34,10 +34,10 @@ private:
     static std::int64_t now;
 };
 
-std::int64_t InMemory::now;
+std::int64_t LimitsInMemory::now;
 
-struct InSqlite {
-    explicit InSqlite(const QueueLimits& limits)
+struct LimitsInSqlite {
+    explicit LimitsInSqlite(const QueueLimits& limits)
         : store({.path = folder.file("events.db"),
                  .synchronous = Synchronous::normal,
                  .limits = limits}) {}
@@ -110,8 +110,8 @@ protected:
     std::unique_ptr<Kind> kind;
 };
 
-using Kinds = testing::Types<InMemory, InSqlite>;
-TYPED_TEST_SUITE(QueueLimitsOfStores, Kinds);
+using LimitStores = testing::Types<LimitsInMemory, LimitsInSqlite>;
+TYPED_TEST_SUITE(QueueLimitsOfStores, LimitStores);
 
 }  // namespace
 

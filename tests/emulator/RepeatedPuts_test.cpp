@@ -7,21 +7,21 @@
 #include "emulator/store/RecentPuts.h"
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/FailingCalls.h"
 #include "tests/support/TemporaryFolder.h"
 
 // Stores that store a put once, however often its client repeats it.
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::motor;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 namespace {
 
-const Identity pump{"plant", "pump"};
-const Identity motor{"plant", "motor"};
-const Identity valve{"plant", "valve"};
-
-struct InMemory {
-    explicit InMemory(bool dedupe) : store({.dedupe = dedupe}) {}
+struct PutsInMemory {
+    explicit PutsInMemory(bool dedupe) : store({.dedupe = dedupe}) {}
     MemoryStore store;
 };
 
@@ -33,8 +33,8 @@ SqliteOptions optionsFor(const std::string& path, bool dedupe) {
     return options;
 }
 
-struct InSqlite {
-    explicit InSqlite(bool dedupe)
+struct PutsInSqlite {
+    explicit PutsInSqlite(bool dedupe)
         : store(optionsFor(folder.file("events.db"), dedupe)) {}
     OvMemTest::TemporaryFolder folder;
     SqliteStore store;
@@ -59,8 +59,8 @@ protected:
     EventStore& store = kind.store;
 };
 
-using Kinds = testing::Types<InMemory, InSqlite>;
-TYPED_TEST_SUITE(RepeatedPuts, Kinds);
+using PutStores = testing::Types<PutsInMemory, PutsInSqlite>;
+TYPED_TEST_SUITE(RepeatedPuts, PutStores);
 
 // One put of a store in a file, after which `rows` puts are remembered.
 class RepeatedPutsInAFile : public testing::Test {

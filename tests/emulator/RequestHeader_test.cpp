@@ -17,7 +17,7 @@ const std::string names =
     "registerClient, unregisterClient, getSharedClients, getEvents, "
     "putEvents, getStatus.";
 
-std::string refusal(const std::function<void()>& work) {
+std::string headerRefusal(const std::function<void()>& work) {
     try {
         work();
     } catch (const Refusal& refused) {
@@ -27,8 +27,8 @@ std::string refusal(const std::function<void()>& work) {
     return "no refusal";
 }
 
-std::string refusalOf(const std::string& block) {
-    return refusal([&block] { RequestHeader::parse(block); });
+std::string blockRefusal(const std::string& block) {
+    return headerRefusal([&block] { RequestHeader::parse(block); });
 }
 
 }  // namespace
@@ -95,29 +95,29 @@ TEST(RequestHeader, ABlockWithoutAnEmptyLineAtItsEndIsMalformed) {
     const std::string text =
         "The header block has no empty line at its end. Close it with CR LF "
         "alone.";
-    EXPECT_EQ(refusalOf(""), text);
-    EXPECT_EQ(refusalOf(service), text);
-    EXPECT_EQ(refusalOf(service + "Operation-Name=getStatus\r\n"), text);
-    EXPECT_EQ(refusalOf(service + "Operation-Name=getStatus\r\n\n"), text);
+    EXPECT_EQ(blockRefusal(""), text);
+    EXPECT_EQ(blockRefusal(service), text);
+    EXPECT_EQ(blockRefusal(service + "Operation-Name=getStatus\r\n"), text);
+    EXPECT_EQ(blockRefusal(service + "Operation-Name=getStatus\r\n\n"), text);
 }
 
 TEST(RequestHeader, ABlockThatGoesOnIsMalformed) {
-    EXPECT_EQ(refusalOf(service + "Operation-Name=getStatus\r\n\r\nbody"),
+    EXPECT_EQ(blockRefusal(service + "Operation-Name=getStatus\r\n\r\nbody"),
               "The header block goes on after its empty line. Send the body "
               "after OvMem_Receive has asked for it.");
 }
 
 TEST(RequestHeader, ALineThatIsNoHeaderIsMalformed) {
-    EXPECT_EQ(refusalOf(service + "Locale\r\n\r\n"),
+    EXPECT_EQ(blockRefusal(service + "Locale\r\n\r\n"),
               "The header line 'Locale' is not of the form name=value. Write "
               "every header so, and end it with CR LF.");
-    EXPECT_EQ(refusalOf(service + "=en_GB\r\n\r\n"),
+    EXPECT_EQ(blockRefusal(service + "=en_GB\r\n\r\n"),
               "The header line '=en_GB' is not of the form name=value. Write "
               "every header so, and end it with CR LF.");
 }
 
 TEST(RequestHeader, ANameGivenTwiceIsMalformed) {
-    EXPECT_EQ(refusalOf("A=1\r\nA=1\r\n\r\n"),
+    EXPECT_EQ(blockRefusal("A=1\r\nA=1\r\n\r\n"),
               "The header 'A' is given twice. Send it once.");
 }
 
@@ -125,22 +125,22 @@ TEST(RequestHeader, AnotherServiceIsMalformed) {
     const std::string text =
         "The request is not for this service. Send the header "
         "Service-Name=OvMEMRequest.";
-    EXPECT_EQ(refusalOf("\r\n"), text);
-    EXPECT_EQ(refusalOf("Operation-Name=getStatus\r\n\r\n"), text);
-    EXPECT_EQ(refusalOf("Service-Name=ovmemrequest\r\n\r\n"), text);
-    EXPECT_EQ(refusalOf("service-name=OvMEMRequest\r\n\r\n"), text);
+    EXPECT_EQ(blockRefusal("\r\n"), text);
+    EXPECT_EQ(blockRefusal("Operation-Name=getStatus\r\n\r\n"), text);
+    EXPECT_EQ(blockRefusal("Service-Name=ovmemrequest\r\n\r\n"), text);
+    EXPECT_EQ(blockRefusal("service-name=OvMEMRequest\r\n\r\n"), text);
 }
 
 TEST(RequestHeader, AMissingOrUnknownOperationIsMalformed) {
-    EXPECT_EQ(refusalOf(service + "\r\n"),
+    EXPECT_EQ(blockRefusal(service + "\r\n"),
               "The request names no operation. Send the header Operation-Name "
               "with one of " +
                   names);
-    EXPECT_EQ(refusalOf(service + "Operation-Name=GetEvents\r\n\r\n"),
+    EXPECT_EQ(blockRefusal(service + "Operation-Name=GetEvents\r\n\r\n"),
               "The operation 'GetEvents' is unknown. Send the header "
               "Operation-Name with one of " +
                   names);
-    EXPECT_EQ(refusalOf(service + "Operation-Name=\r\n\r\n"),
+    EXPECT_EQ(blockRefusal(service + "Operation-Name=\r\n\r\n"),
               "The operation '' is unknown. Send the header Operation-Name "
               "with one of " +
                   names);
@@ -151,11 +151,11 @@ TEST(RequestHeader, AnOperationOfAClientNeedsBothIdentities) {
          {"registerClient", "unregisterClient", "getSharedClients", "getEvents",
           "putEvents"}) {
         const std::string start = service + "Operation-Name=" + name + "\r\n";
-        EXPECT_EQ(refusalOf(start + "Client-ID=pump\r\n\r\n"),
+        EXPECT_EQ(blockRefusal(start + "Client-ID=pump\r\n\r\n"),
                   "The operation " + name +
                       " needs the header Server-ID. Send it; its value may be "
                       "empty.");
-        EXPECT_EQ(refusalOf(start + "Server-ID=plant\r\n\r\n"),
+        EXPECT_EQ(blockRefusal(start + "Server-ID=plant\r\n\r\n"),
                   "The operation " + name +
                       " needs the header Client-ID. Send it; its value may be "
                       "empty.");
@@ -171,7 +171,7 @@ TEST(WholeRequest, TheFirstEmptyLineEndsTheHeaderBlock) {
 }
 
 TEST(WholeRequest, WithoutAnEmptyLineItIsMalformed) {
-    EXPECT_EQ(refusal([] { WholeRequest::split("A=1\r\nbody"); }),
+    EXPECT_EQ(headerRefusal([] { WholeRequest::split("A=1\r\nbody"); }),
               "The request has no empty line after its header block. Close "
               "the header block with CR LF alone.");
 }

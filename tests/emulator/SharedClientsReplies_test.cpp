@@ -10,10 +10,10 @@ using namespace Orvane::Net::OvModelEventManager::Emulator;
 
 namespace {
 
-const std::string start =
+const std::string replyStart =
     "\n<ns0:SharedClientIDs xmlns:ns0=\"http://www.orvane.com/Schemas/"
     "OvModelEventManager/_2009_06/base\">";
-const std::string end = "</ns0:SharedClientIDs>";
+const std::string replyEnd = "</ns0:SharedClientIDs>";
 
 std::string element(const std::string& id) {
     return "<ns0:sharedClients>" + id + "</ns0:sharedClients>";
@@ -29,21 +29,24 @@ TEST(SharedClientsReplies, TheCallerIsLeftOut) {
     SharedClientsReplies replies;
     const ClientList clients = list({"motor", "pump", "valve"});
     EXPECT_EQ(*replies.reply({"plant", "pump"}, clients),
-              start + element("motor") + element("valve") + end);
+              replyStart + element("motor") + element("valve") + replyEnd);
     EXPECT_EQ(*replies.reply({"plant", "motor"}, clients),
-              start + element("pump") + element("valve") + end);
+              replyStart + element("pump") + element("valve") + replyEnd);
 }
 
 TEST(SharedClientsReplies, NobodyElseGivesAnElementWithoutContent) {
     SharedClientsReplies replies;
-    EXPECT_EQ(*replies.reply({"plant", "pump"}, list({"pump"})), start + end);
-    EXPECT_EQ(*replies.reply({"office", "pump"}, list({})), start + end);
+    EXPECT_EQ(*replies.reply({"plant", "pump"}, list({"pump"})),
+              replyStart + replyEnd);
+    EXPECT_EQ(*replies.reply({"office", "pump"}, list({})),
+              replyStart + replyEnd);
 }
 
 TEST(SharedClientsReplies, IdentitiesAreEscaped) {
     SharedClientsReplies replies;
-    EXPECT_EQ(*replies.reply({"plant", "pump"}, list({"", "<a & b>", "pump"})),
-              start + element("") + element("&lt;a &amp; b&gt;") + end);
+    EXPECT_EQ(
+        *replies.reply({"plant", "pump"}, list({"", "<a & b>", "pump"})),
+        replyStart + element("") + element("&lt;a &amp; b&gt;") + replyEnd);
 }
 
 TEST(SharedClientsReplies, AReplyIsWrittenOnceForAList) {
@@ -59,15 +62,15 @@ TEST(SharedClientsReplies, ANewListGivesANewReply) {
     SharedClientsReplies replies;
     const auto first = replies.reply({"plant", "pump"}, list({"motor"}));
     EXPECT_EQ(*replies.reply({"plant", "pump"}, list({"motor", "valve"})),
-              start + element("motor") + element("valve") + end);
-    EXPECT_EQ(*first, start + element("motor") + end);
+              replyStart + element("motor") + element("valve") + replyEnd);
+    EXPECT_EQ(*first, replyStart + element("motor") + replyEnd);
 }
 
 TEST(SharedClientsReplies, ServersAreKeptApart) {
     SharedClientsReplies replies;
     replies.reply({"plant", "pump"}, list({"motor"}));
     EXPECT_EQ(*replies.reply({"office", "pump"}, list({"printer"})),
-              start + element("printer") + end);
+              replyStart + element("printer") + replyEnd);
 }
 
 TEST(SharedClientsReplies, WhatIsKeptIsBounded) {

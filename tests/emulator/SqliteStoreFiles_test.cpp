@@ -2,7 +2,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,8 +13,9 @@
 #include <unistd.h>
 
 #include "emulator/store/SqliteStore.h"
-#include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/StoppedHolder.h"
+#include "tests/emulator/StoreRefusal.h"
 #include "tests/emulator/SystemCalls.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
@@ -23,8 +23,11 @@
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::pump;
+using OvMemTest::storeRefusal;
 using OvMemTest::SystemCall;
 using OvMemTest::SystemCallWatcher;
+using OvMemTest::valve;
 using testing::ElementsAre;
 
 // Rights, names and identity of the files of a store.
@@ -32,18 +35,6 @@ using testing::ElementsAre;
 namespace {
 
 namespace fs = std::filesystem;
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
-
-std::string refusal(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const StoreError& error) {
-        return error.what();
-    }
-    return "no refusal";
-}
 
 unsigned rightsOf(const std::string& path) {
     struct stat status {};
@@ -191,8 +182,8 @@ TEST_F(SqliteStoreFiles, AFileInPlaceOfAFolderIsReportedBeforeAnythingIsMade) {
         "' of the event store cannot be made (Not a directory). Make it "
         "yourself, or set OVMEM_STORE to another place.";
     SqliteStore store(options);
-    EXPECT_EQ(refusal([&] { store.open(); }), text);
-    EXPECT_EQ(refusal([&] { store.registerClient(pump); }), text);
+    EXPECT_EQ(storeRefusal([&] { store.open(); }), text);
+    EXPECT_EQ(storeRefusal([&] { store.registerClient(pump); }), text);
 }
 
 TEST_F(SqliteStoreFiles, ALinkInPlaceOfAFileIsRefused) {
@@ -204,7 +195,7 @@ TEST_F(SqliteStoreFiles, ALinkInPlaceOfAFileIsRefused) {
             fs::rename(path, elsewhere);
         }
         fs::create_symlink(elsewhere, path);
-        EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+        EXPECT_EQ(storeRefusal([&] { SqliteStore(options).open(); }),
                   "The file '" + path +
                       "' of the event store is a symbolic link. Set "
                       "OVMEM_STORE to the file itself, or to another one.");
@@ -228,7 +219,7 @@ TEST_F(SqliteStoreFiles, AFolderMayBeReachedThroughALink) {
 TEST_F(SqliteStoreFiles, AStoreWithASecondNameIsRefused) {
     { SqliteStore(options).registerClient(pump); }
     fs::create_hard_link(options.path, folder.file("second"));
-    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+    EXPECT_EQ(storeRefusal([&] { SqliteStore(options).open(); }),
               "The file '" + options.path +
                   "' of the event store has several names. Set OVMEM_STORE to "
                   "the file itself, or to another one.");
@@ -243,8 +234,8 @@ TEST_F(SqliteStoreFiles, AStoreThatHasVanishedIsNotTakenForANewOne) {
         ".gate' is still there. Put the store back, or remove the gate to "
         "begin with an empty one.";
     SqliteStore store(options);
-    EXPECT_EQ(refusal([&] { store.open(); }), text);
-    EXPECT_EQ(refusal([&] { store.registerClient(pump); }), text);
+    EXPECT_EQ(storeRefusal([&] { store.open(); }), text);
+    EXPECT_EQ(storeRefusal([&] { store.registerClient(pump); }), text);
     fs::remove(options.path + ".gate");
     EXPECT_THAT(*store.registerClient(valve), ElementsAre("valve"));
 }
@@ -252,7 +243,7 @@ TEST_F(SqliteStoreFiles, AStoreThatHasVanishedIsNotTakenForANewOne) {
 TEST_F(SqliteStoreFiles, AStoreThatWasEmptiedIsNotTakenForANewOne) {
     { SqliteStore(options).registerClient(pump); }
     fs::resize_file(options.path, 0);
-    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+    EXPECT_EQ(storeRefusal([&] { SqliteStore(options).open(); }),
               "The event store '" + options.path +
                   "' has been emptied, and its gate '" + options.path +
                   ".gate' is still there. Put the store back, or remove the "
@@ -282,7 +273,7 @@ TEST_F(SqliteStoreFiles, AStoreThatVanishesUnderAProcessTakesNoMorePuts) {
     SqliteStore store(options);
     registerBoth(store);
     fs::rename(options.path, folder.file("moved.db"));
-    EXPECT_THAT(refusal([&] { store.putEvents(pump, "x"); }),
+    EXPECT_THAT(storeRefusal([&] { store.putEvents(pump, "x"); }),
                 testing::StartsWith("The event store '" + options.path +
                                     "' has vanished"));
 }
@@ -311,7 +302,7 @@ TEST_F(SqliteStoreFiles, WhoeverOpensAStoreWithoutTheLogOfOthersIsRefused) {
     registerBoth(store);
     store.putEvents(pump, "before;");
     fs::remove(options.path + "-wal");
-    EXPECT_EQ(refusal([&] { SqliteStore(options).open(); }),
+    EXPECT_EQ(storeRefusal([&] { SqliteStore(options).open(); }),
               "The log '" + options.path +
                   "-wal' of the event store was removed or replaced while "
                   "another process uses it. Let that process make its next "
@@ -348,7 +339,7 @@ TEST_F(SqliteStoreFiles, APutIsRefusedIfTheLogIsNeverTheSameAfterOpening) {
     store.registerClient(pump);  // writes nothing
     loseGate();
     const ChangingLog log(options.path, INT_MAX);
-    EXPECT_EQ(refusal([&] { store.putEvents(pump, "refused;"); }),
+    EXPECT_EQ(storeRefusal([&] { store.putEvents(pump, "refused;"); }),
               "The files of the event store '" + options.path +
                   "' are being replaced. Repeat the call when that is over.");
     EXPECT_EQ(log.openings(), 20);
@@ -373,7 +364,7 @@ TEST_F(SqliteStoreFiles, APutPassesTheGateThatHasTheNameNow) {
     fs::rename(gate, folder.file("moved"));
     {
         const OvMemTest::StoppedHolder holder(gate);
-        EXPECT_EQ(refusal([&] { store.putEvents(pump, "held up;"); }),
+        EXPECT_EQ(storeRefusal([&] { store.putEvents(pump, "held up;"); }),
                   holder.timeoutText());
     }
     store.putEvents(pump, "through;");
@@ -383,7 +374,8 @@ TEST_F(SqliteStoreFiles, APutPassesTheGateThatHasTheNameNow) {
 TEST_F(SqliteStoreFiles, APlaceThatCannotBeMadeIsNamedWithTheReason) {
     const auto refusalOf = [this](const std::string& path) {
         options.path = path;
-        return refusal([this] { SqliteStore(options).registerClient(pump); });
+        return storeRefusal(
+            [this] { SqliteStore(options).registerClient(pump); });
     };
     const std::string advice =
         "Make it yourself, or set OVMEM_STORE to another place.";

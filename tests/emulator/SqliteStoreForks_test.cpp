@@ -18,17 +18,17 @@
 
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 // A lock of the program itself, which it takes over every fork. Its handlers
 // are registered before those of the store, so that the store's run first.

@@ -14,11 +14,12 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "emulator/store/GatePassage.h"
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
+#include "tests/emulator/NumberedEvents.h"
 #include "tests/emulator/StoppedHolder.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
@@ -26,13 +27,14 @@
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using namespace std::chrono_literals;
 using OvMemTest::ChildProcess;
+using OvMemTest::firstNumbers;
+using OvMemTest::pump;
 using OvMemTest::StoppedHolder;
+using OvMemTest::valve;
+using OvMemTest::waitToBeKilled;
 using testing::ElementsAre;
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 // "sender:1;sender:2;..." by sender, in the order of arrival.
 using Arrivals = std::map<std::string, std::vector<int>>;
@@ -52,20 +54,6 @@ std::string take(SqliteStore& store, const Identity& client) {
         store.consume(client, got.upto);
     }
     return got.text;
-}
-
-std::vector<int> firstNumbers(int count) {
-    std::vector<int> numbers;
-    for (int i = 0; i < count; ++i) {
-        numbers.push_back(i);
-    }
-    return numbers;
-}
-
-[[noreturn]] void waitToBeKilled() {
-    for (;;) {
-        ::pause();
-    }
 }
 
 class SqliteStoreProcesses : public testing::Test {

@@ -14,6 +14,7 @@
 #include "emulator/store/SqliteSession.h"
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/FailingWrites.h"
 #include "tests/emulator/SealedRows.h"
 #include "tests/emulator/StoredEvents.h"
@@ -21,15 +22,14 @@
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 using OvMemTest::FailingWrites;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 // What is consumed goes, and with it the room that it took.
 
 namespace {
 
 namespace fs = std::filesystem;
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 class SqliteStoreSpace : public testing::Test {
 protected:

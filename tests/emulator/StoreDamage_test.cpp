@@ -10,17 +10,17 @@
 
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/SealedRows.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::pump;
+using OvMemTest::valve;
 
 // What a store says of damage that SQLite itself does not see.
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 class StoreDamage : public testing::Test {
 protected:

@@ -39,7 +39,7 @@ constexpr const char* stepsVariable = "OVMEM_MODEL_STEPS";
 
 // What the suite needs to know of each kind of store.
 
-struct InMemory {
+struct StepsInMemory {
     static constexpr bool outlivesProcesses = false;
 
     MemoryStore store{{.portion = portion}};
@@ -51,7 +51,7 @@ struct InMemory {
 
 // Two of them over one file, as two processes have it, and any of them may be
 // closed and opened again.
-struct InSqlite {
+struct StepsInSqlite {
     static constexpr bool outlivesProcesses = true;
 
     OvMemTest::TemporaryFolder folder;
@@ -261,7 +261,7 @@ class StoreSteps : public testing::Test {};
 template <typename Place>
 class LongStoreSteps : public testing::Test {};
 
-using Places = testing::Types<InMemory, InSqlite>;
+using Places = testing::Types<StepsInMemory, StepsInSqlite>;
 TYPED_TEST_SUITE(StoreSteps, Places);
 TYPED_TEST_SUITE(LongStoreSteps, Places);
 

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,12 +10,13 @@
 
 #include "emulator/store/MemoryStore.h"
 #include "emulator/store/SqliteStore.h"
-#include "emulator/store/StoreError.h"
 #include "tests/emulator/Environment.h"
+#include "tests/emulator/StoreRefusal.h"
 #include "tests/support/RunInChild.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::storeRefusal;
 
 namespace {
 
@@ -26,17 +26,8 @@ const std::string forms =
     "limit-events=N, limit-bytes=N, limit-age=SECONDS; of sqlite:PATH alone: "
     "synchronous=NORMAL or FULL, access=OWNER or GROUP.";
 
-std::string refusal(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const StoreError& error) {
-        return error.what();
-    }
-    return "no refusal";
-}
-
-std::string refusalOf(const std::string& url) {
-    return refusal([&url] { parseStoreUrl(url); });
+std::string urlRefusal(const std::string& url) {
+    return storeRefusal([&url] { parseStoreUrl(url); });
 }
 
 }  // namespace
@@ -44,7 +35,7 @@ std::string refusalOf(const std::string& url) {
 TEST(StoreUrl, MemoryHasNoneOfTheOptionsOfAFile) {
     EXPECT_EQ(parseStoreUrl("memory:"), std::nullopt);
     EXPECT_EQ(parseStoreUrl("memory:?dedupe=correlation"), std::nullopt);
-    EXPECT_EQ(refusalOf("memory:?access=GROUP"),
+    EXPECT_EQ(urlRefusal("memory:?access=GROUP"),
               "The store URL 'memory:?access=GROUP' has an option that a "
               "store in memory does not have. " +
                   forms);
@@ -62,7 +53,7 @@ TEST(StoreUrl, TheLeaseOfAGetterIsGivenInSeconds) {
           "sqlite:/e.db?lease=", "sqlite:/e.db?lease=-1",
           "sqlite:/e.db?lease=1s", "sqlite:/e.db?lease=99999999999",
           "memory:?lease=x"}) {
-        EXPECT_EQ(refusalOf(url),
+        EXPECT_EQ(urlRefusal(url),
                   "The store URL '" + url +
                       "' gives lease no whole number from 1 to 86400. " +
                       forms);
@@ -72,7 +63,7 @@ TEST(StoreUrl, TheLeaseOfAGetterIsGivenInSeconds) {
 TEST(StoreUrl, PutsAreDeduplicatedOnRequest) {
     EXPECT_FALSE(parseStoreUrl("sqlite:/e.db")->dedupe);
     EXPECT_TRUE(parseStoreUrl("sqlite:/e.db?dedupe=correlation")->dedupe);
-    EXPECT_EQ(refusalOf("sqlite:/e.db?dedupe=CORRELATION"),
+    EXPECT_EQ(urlRefusal("sqlite:/e.db?dedupe=CORRELATION"),
               "The store URL 'sqlite:/e.db?dedupe=CORRELATION' has an unknown "
               "option. " +
                   forms);
@@ -107,32 +98,32 @@ TEST(StoreUrl, ARelativePathIsThatOfTheWorkingDirectory) {
 }
 
 TEST(StoreUrl, AnythingElseIsRefusedWithTheFormsThatExist) {
-    EXPECT_EQ(refusalOf("postgresql://host/events"),
+    EXPECT_EQ(urlRefusal("postgresql://host/events"),
               "The store URL 'postgresql://host/events' names a PostgreSQL "
               "store, which is not built in. " +
                   forms);
-    EXPECT_EQ(refusalOf("postgres://host/events"),
+    EXPECT_EQ(urlRefusal("postgres://host/events"),
               "The store URL 'postgres://host/events' names a PostgreSQL "
               "store, which is not built in. " +
                   forms);
     EXPECT_EQ(
-        refusalOf("/var/lib/events.db"),
+        urlRefusal("/var/lib/events.db"),
         "The store URL '/var/lib/events.db' is of no known kind. " + forms);
-    EXPECT_EQ(refusalOf(""), "The store URL '' is of no known kind. " + forms);
-    EXPECT_EQ(refusalOf("memory:x"),
+    EXPECT_EQ(urlRefusal(""), "The store URL '' is of no known kind. " + forms);
+    EXPECT_EQ(urlRefusal("memory:x"),
               "The store URL 'memory:x' is of no known kind. " + forms);
-    EXPECT_EQ(refusalOf("sqlite:"),
+    EXPECT_EQ(urlRefusal("sqlite:"),
               "The store URL 'sqlite:' names no file. " + forms);
     EXPECT_EQ(
-        refusalOf("sqlite:?synchronous=FULL"),
+        urlRefusal("sqlite:?synchronous=FULL"),
         "The store URL 'sqlite:?synchronous=FULL' names no file. " + forms);
-    EXPECT_EQ(refusalOf("sqlite:/var/lib/"),
+    EXPECT_EQ(urlRefusal("sqlite:/var/lib/"),
               "The store URL 'sqlite:/var/lib/' names no file. " + forms);
-    EXPECT_EQ(refusalOf("sqlite:/e.db?synchronous=OFF"),
+    EXPECT_EQ(urlRefusal("sqlite:/e.db?synchronous=OFF"),
               "The store URL 'sqlite:/e.db?synchronous=OFF' has an unknown "
               "option. " +
                   forms);
-    EXPECT_EQ(refusalOf("sqlite:/e.db?"),
+    EXPECT_EQ(urlRefusal("sqlite:/e.db?"),
               "The store URL 'sqlite:/e.db?' has an unknown option. " + forms);
 }
 
@@ -144,7 +135,7 @@ TEST(StoreUrl, OptionsCanBeCombined) {
     EXPECT_EQ(options->synchronous, Synchronous::normal);
     EXPECT_EQ(parseStoreUrl("sqlite:/e.db?access=OWNER")->access,
               Access::owner);
-    EXPECT_EQ(refusalOf("sqlite:/e.db?access=GROUP&"),
+    EXPECT_EQ(urlRefusal("sqlite:/e.db?access=GROUP&"),
               "The store URL 'sqlite:/e.db?access=GROUP&' has an unknown "
               "option. " +
                   forms);
@@ -166,7 +157,7 @@ TEST(StoreUrl, APortionThatIsNoNumberOfBytesIsRefused) {
              {"", "0", "00", "-1", "+1", " 1", "1 ", "1k", "0x10", "1.5",
               "9223372036854775808"}) {
             const std::string url = store + "?portion=" + number;
-            EXPECT_EQ(refusalOf(url),
+            EXPECT_EQ(urlRefusal(url),
                       "The store URL '" + url +
                           "' gives portion no whole number from 1 to "
                           "9223372036854775807. " +
@@ -175,17 +166,17 @@ TEST(StoreUrl, APortionThatIsNoNumberOfBytesIsRefused) {
     }
     for (const std::string option : {"", "=", "Portion=1", "xportion=1"}) {
         const std::string url = "memory:?" + option;
-        EXPECT_EQ(refusalOf(url), "The store URL '" + url +
-                                      "' has an unknown option. " + forms);
+        EXPECT_EQ(urlRefusal(url), "The store URL '" + url +
+                                       "' has an unknown option. " + forms);
     }
 }
 
 TEST(StoreUrl, AnOptionThatIsGivenTwiceIsRefused) {
-    EXPECT_EQ(refusalOf("memory:?portion=1&portion=2"),
+    EXPECT_EQ(urlRefusal("memory:?portion=1&portion=2"),
               "The store URL 'memory:?portion=1&portion=2' gives portion "
               "twice. " +
                   forms);
-    EXPECT_EQ(refusalOf("sqlite:/e.db?access=OWNER&lease=1&access=OWNER"),
+    EXPECT_EQ(urlRefusal("sqlite:/e.db?access=OWNER&lease=1&access=OWNER"),
               "The store URL 'sqlite:/e.db?access=OWNER&lease=1&access=OWNER' "
               "gives access twice. " +
                   forms);
@@ -242,15 +233,16 @@ TEST(StoreUrl, ALimitThatIsNoNumberIsRefused) {
                  {"=", "=0", "=-1", "=+1", "=1.5", "=1k", "= 1", "=many",
                   "=9223372036854775808", ""}) {
                 const std::string whole = url + name + value;
-                EXPECT_EQ(refusalOf(whole), "The store URL '" + whole +
-                                                "' gives " + name +
-                                                " no whole number from 1 to "
-                                                "9223372036854775807. " +
-                                                forms);
+                EXPECT_EQ(urlRefusal(whole), "The store URL '" + whole +
+                                                 "' gives " + name +
+                                                 " no whole number from 1 to "
+                                                 "9223372036854775807. " +
+                                                 forms);
             }
             const std::string twice = url + name + "=1&" + name + "=1";
-            EXPECT_EQ(refusalOf(twice), "The store URL '" + twice + "' gives " +
-                                            name + " twice. " + forms);
+            EXPECT_EQ(urlRefusal(twice), "The store URL '" + twice +
+                                             "' gives " + name + " twice. " +
+                                             forms);
         }
     }
 }
@@ -258,10 +250,10 @@ TEST(StoreUrl, ALimitThatIsNoNumberIsRefused) {
 TEST(StoreUrl, AnUnknownOptionOfAStoreInMemoryIsRefused) {
     for (const std::string url :
          {"memory:?", "memory:?limit-event=1", "memory:?limit-events=1&"}) {
-        EXPECT_EQ(refusalOf(url), "The store URL '" + url +
-                                      "' has an unknown option. " + forms);
+        EXPECT_EQ(urlRefusal(url), "The store URL '" + url +
+                                       "' has an unknown option. " + forms);
     }
-    EXPECT_EQ(refusalOf("memory"),
+    EXPECT_EQ(urlRefusal("memory"),
               "The store URL 'memory' is of no known kind. " + forms);
 }
 
@@ -281,19 +273,19 @@ TEST(StoreUrl, TheLimitsOfAUrlHoldForItsStore) {
 
 TEST(StoreUrl, APathThatOnlyAShellOrABrowserUnderstandsIsRefused) {
     for (const std::string path : {"~", "~/events.db"}) {
-        EXPECT_EQ(refusalOf("sqlite:" + path),
+        EXPECT_EQ(urlRefusal("sqlite:" + path),
                   "The store URL 'sqlite:" + path +
                       "' begins with '~', which only a shell replaces; write "
                       "the whole path. " +
                       forms);
     }
     EXPECT_EQ(parseStoreUrl("sqlite:/a~/~b")->path, "/a~/~b");
-    EXPECT_EQ(refusalOf("sqlite:/a%20b.db"),
+    EXPECT_EQ(urlRefusal("sqlite:/a%20b.db"),
               "The store URL 'sqlite:/a%20b.db' holds a '%' with two digits, "
               "which is not decoded; write the path as it is. " +
                   forms);
     EXPECT_EQ(parseStoreUrl("sqlite:/100%/a%2")->path, "/100%/a%2");
-    EXPECT_EQ(refusalOf("sqlite::memory:"),
+    EXPECT_EQ(urlRefusal("sqlite::memory:"),
               "The store URL 'sqlite::memory:' names no file; a store in "
               "memory is memory:. " +
                   forms);
@@ -313,7 +305,7 @@ TEST(StoreUrl, TheEnvironmentSaysWhereTheStoreIs) {
     EXPECT_EQ(storeUrlOfEnvironment(),
               "sqlite:/users/ada/.local/state/ovmem/events.db");
     environment.unset("HOME");
-    EXPECT_EQ(refusal([] { storeUrlOfEnvironment(); }),
+    EXPECT_EQ(storeRefusal([] { storeUrlOfEnvironment(); }),
               "No variable says where the event store is: OVMEM_STORE, "
               "XDG_STATE_HOME and HOME are not set. " +
                   forms);
@@ -335,7 +327,7 @@ TEST(StoreUrl, ARelativePathWithoutAWorkingDirectoryIsRefused) {
         std::filesystem::create_directory(folder.file("gone"));
         std::filesystem::current_path(folder.file("gone"));
         std::filesystem::remove(folder.file("gone"));
-        EXPECT_EQ(refusalOf("sqlite:events.db"),
+        EXPECT_EQ(urlRefusal("sqlite:events.db"),
                   "The store URL 'sqlite:events.db' needs a working directory, "
                   "and there is none. " +
                       forms);

@@ -11,18 +11,18 @@
 
 #include "emulator/store/SqliteStore.h"
 #include "emulator/store/StoreError.h"
+#include "tests/emulator/Clients.h"
 #include "tests/emulator/QueuedEvents.h"
 #include "tests/emulator/SealedRows.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
+using OvMemTest::pump;
+using OvMemTest::valve;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-const Identity pump{"plant", "pump"};
-const Identity valve{"plant", "valve"};
 
 class StoreVerification : public testing::Test {
 protected:

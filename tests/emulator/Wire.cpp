@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int32_t endOfReply = -1;
 
-Outcome failure(std::int32_t status, const std::string& reply = "") {
+Outcome failed(std::int32_t status, const std::string& reply = "") {
     return {status, reply, lastError()};
 }
 
@@ -21,7 +21,7 @@ Outcome readReply() {
     for (;;) {
         const std::int32_t status = OvMem_Receive(buffer.data());
         if (status < endOfReply) {
-            return failure(status, reply);
+            return failed(status, reply);
         }
         if (status == endOfReply) {
             return {status, reply, lastError()};
@@ -53,28 +53,28 @@ Outcome streamedExchange(const std::string& block,
     std::array<char, 16384> buffer{};
     std::int32_t status = OvMem_SendNoAck(block.c_str());
     if (status < 0) {
-        return failure(status);
+        return failed(status);
     }
     OvMem_SendEOF();
     status = OvMem_Receive(buffer.data());
     if (status != sendBody) {
-        return failure(status);
+        return failed(status);
     }
     for (const std::string& part : bodyParts) {
         status = OvMem_SendNoAck(part.c_str());
         if (status <= 0) {
-            return failure(status);
+            return failed(status);
         }
     }
     // Whoever is asked again has nothing more.
     do {
         status = OvMem_SendEOF();
         if (status < 0) {
-            return failure(status);
+            return failed(status);
         }
         status = OvMem_Receive(buffer.data());
     } while (status == sendBody);
-    return status == replyFollows ? readReply() : failure(status);
+    return status == replyFollows ? readReply() : failed(status);
 }
 
 Outcome wholeExchange(const std::string& request) {
@@ -82,7 +82,7 @@ Outcome wholeExchange(const std::string& request) {
     if (status >= 0) {
         status = OvMem_SendEOF();
     }
-    return status < 0 ? failure(status) : readReply();
+    return status < 0 ? failed(status) : readReply();
 }
 
 Outcome request(const std::string& operation, const std::string& serverId,
@@ -93,7 +93,7 @@ Outcome request(const std::string& operation, const std::string& serverId,
         streamedExchange(headerBlock(operation, serverId, clientId), parts);
     if (outcome.status == endOfReply) {
         const std::int32_t status = OvMem_Complete();
-        return status < 0 ? failure(status, outcome.reply) : outcome;
+        return status < 0 ? failed(status, outcome.reply) : outcome;
     }
     return outcome;
 }

@@ -43,7 +43,7 @@ Losers losersOf(const std::function<void()>& lossy, std::uint64_t failAt = 0) {
     return losers;
 }
 
-void createReader() {
+void makeReader() {
     try {
         delete xercesc::XMLReaderFactory::createXMLReader();
     } catch (const xercesc::OutOfMemoryException&) {
@@ -55,7 +55,7 @@ void createReader() {
 TEST(HeapLoss, NothingIsHeldWhenNothingIsLost) {
     runInChild([] {
         xercesc::XMLPlatformUtils::Initialize();
-        EXPECT_EQ(losersOf(createReader), Losers());
+        EXPECT_EQ(losersOf(makeReader), Losers());
     });
 }
 
@@ -94,7 +94,7 @@ TEST(HeapLoss, ATextThatWasHandedOverIsTheProgramsFault) {
 TEST(HeapLoss, WhatAReaderTookThatWasNotCreatedIsTheXmlLibrarysFault) {
     runInChild([] {
         xercesc::XMLPlatformUtils::Initialize();
-        const Losers losers = losersOf(createReader, 30);
+        const Losers losers = losersOf(makeReader, 30);
         EXPECT_EQ(losers.size(), 1U);
         EXPECT_GT(losers.at("xercesc_3_2::XMLReaderFactory::createXMLReader"),
                   10U);

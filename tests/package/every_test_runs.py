@@ -31,8 +31,17 @@ def targets(build):
         for one in json.load(opened):
             output = one.get("output") or one["command"].split(" -o ")[1].split()[0]
             target = output.split("CMakeFiles/")[1].split(".dir/")[0]
-            found.setdefault(os.path.realpath(one["file"]), set()).add(target)
+            for file in parts(one["file"]):
+                found.setdefault(os.path.realpath(file), set()).add(target)
     return found
+
+
+def parts(file):
+    """The sources that are compiled as this one, which may be several."""
+    if "/Unity/unity_" not in file:
+        return [file]
+    with open(file, encoding="utf-8") as opened:
+        return re.findall(r'^#include "(.*)"$', opened.read(), re.M)
 
 
 def tests(program, *options):

@@ -37,7 +37,7 @@ class EveryTestRuns(unittest.TestCase):
 
     def found(self):
         self.write("build/compile_commands.json", json.dumps(
-            [{"file": f"{self.root}/source/tests/{name}",
+            [{"file": os.path.join(self.root, "source/tests", name),
               "command": f"c++ -o tests/CMakeFiles/{target}.dir/{name}.o -c {name}"}
              for name, target in self.compiled.items()]))
         self.write("build/CTestTestfile.cmake", "".join(
@@ -76,6 +76,19 @@ class EveryTestRuns(unittest.TestCase):
         self.write("source/tests/deeper/C_test.cpp", "")
         self.assertEqual((1, "tests/deeper/C_test.cpp: no program is built from it\n"),
                          self.found())
+
+    def test_a_source_that_is_compiled_with_others_is_of_their_program(self):
+        batch = f"{self.root}/build/Unity/unity_0_cxx.cxx"
+        sources = [f"{self.root}/source/tests/{name}_test.cpp" for name in "AC"]
+        for source in sources:
+            self.write(source, "")
+        self.write(batch, "".join(f'#include "{source}"\n\n' for source in sources))
+        self.compiled = {batch: "program"}
+        self.assertEqual((0, ""), self.found())
+        self.compiled = {batch: "other"}
+        self.assertEqual(
+            (1, "".join(f"tests/{name}_test.cpp: no entry of CTest starts its program other\n"
+                        for name in "AC")), self.found())
 
     def test_a_program_that_no_entry_starts_is_an_error(self):
         self.write("source/tests/D_test.cpp", "")

@@ -6,13 +6,15 @@
 #include "OvMemCppBinding/schemas/SharedClientIDs.h"
 #include "OvMemCppBinding/util/SAXToNodeParser.h"
 #include "OvMemCppBinding/util/XmlStream.h"
+#include "tests/schemas/IdsOf.h"
 #include "tests/util/XmlPlatform.h"
 
 namespace {
 
 using namespace Orvane::Net::OvModelEventManager::Util;
 using Orvane::Schemas::OvModelEventManager::_2009_06::Base::SharedClientIDs;
-using Ids = std::vector<std::string>;
+using OvMemTest::Ids;
+using OvMemTest::idsOf;
 
 struct Document {
     std::string file;
@@ -26,12 +28,6 @@ std::string contentOf(const std::string& file) {
     std::ostringstream content;
     content << stream.rdbuf();
     return content.str();
-}
-
-Ids idsOf(SharedClientIDs& object) {
-    Ids ids;
-    object.getSharedClients(ids);
-    return ids;
 }
 
 class SharedClientIDsRoundTrip : public OvMemTest::XmlPlatformTest,

@@ -9,6 +9,7 @@
 #include "OvMemCppBinding/util/DomException.h"
 #include "OvMemCppBinding/util/XMLNode.h"
 #include "OvMemCppBinding/util/XmlStream.h"
+#include "tests/schemas/IdsOf.h"
 #include "tests/support/Thrown.h"
 
 namespace {
@@ -17,10 +18,11 @@ using Orvane::Net::OvModelEventManager::Util::BaseObject;
 using Orvane::Net::OvModelEventManager::Util::XMLNode;
 using Orvane::Net::OvModelEventManager::Util::XmlStream;
 using Orvane::Schemas::OvModelEventManager::_2009_06::Base::SharedClientIDs;
+using OvMemTest::Ids;
+using OvMemTest::idsOf;
 using OvMemTest::nothingThrown;
 using OvMemTest::Thrown;
 using OvMemTest::thrownBy;
-using Ids = std::vector<std::string>;
 
 static_assert(std::is_base_of_v<BaseObject, SharedClientIDs>);
 static_assert(std::has_virtual_destructor_v<SharedClientIDs>);
@@ -34,12 +36,6 @@ SharedClientIDs holding(const Ids& ids) {
     SharedClientIDs object;
     object.setSharedClients(ids);
     return object;
-}
-
-Ids idsOf(SharedClientIDs& object) {
-    Ids ids;
-    object.getSharedClients(ids);
-    return ids;
 }
 
 std::set<std::string> namespacesOf(const SharedClientIDs& object) {

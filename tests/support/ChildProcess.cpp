@@ -166,4 +166,10 @@ void ChildProcess::reap() {
     waitStatus = status;
 }
 
+void waitToBeKilled() {
+    for (;;) {
+        ::pause();
+    }
+}
+
 }  // namespace OvMemTest

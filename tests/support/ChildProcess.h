@@ -60,6 +60,9 @@ private:
     std::optional<int> waitStatus;
 };
 
+// For a child that is to be killed at this point.
+[[noreturn]] void waitToBeKilled();
+
 }  // namespace OvMemTest
 
 #endif

@@ -9,17 +9,17 @@ namespace OvMemTest {
 
 namespace {
 
-thread_local ScriptedLogging* installed = nullptr;
+thread_local ScriptedLogging* installedLogging = nullptr;
 
 }  // namespace
 
 ScriptedLogging::ScriptedLogging(ScriptedTransport& recorder)
-    : transport(recorder), previous(installed) {
-    installed = this;
+    : transport(recorder), previous(installedLogging) {
+    installedLogging = this;
 }
 
 ScriptedLogging::~ScriptedLogging() {
-    installed = previous;
+    installedLogging = previous;
 }
 
 void ScriptedLogging::get() {
@@ -36,11 +36,11 @@ std::string ScriptedLogging::fetch(const std::string ScriptedLogging::*value,
 }
 
 ScriptedLogging& ScriptedLogging::current() {
-    if (installed == nullptr) {
+    if (installedLogging == nullptr) {
         std::fputs("The logging library was called without values.\n", stderr);
         std::abort();
     }
-    return *installed;
+    return *installedLogging;
 }
 
 }  // namespace OvMemTest

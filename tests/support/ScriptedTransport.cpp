@@ -21,7 +21,7 @@ constexpr std::array names{
     "OvMem_Init",    "OvMem_Term",    "OvMem_Send",     "OvMem_SendNoAck",
     "OvMem_SendEOF", "OvMem_Receive", "OvMem_Complete", "OvMem_GetLastError"};
 
-thread_local ScriptedTransport* installed = nullptr;
+thread_local ScriptedTransport* installedTransport = nullptr;
 thread_local bool atWork = false;
 
 }  // namespace
@@ -31,7 +31,7 @@ struct ScriptedTransportCall {
     using Transport = ScriptedTransport;
 
     ScriptedTransportCall() {
-        if (installed == nullptr) {
+        if (installedTransport == nullptr) {
             std::fputs("The transport was called without a script.\n", stderr);
             std::abort();
         }
@@ -62,11 +62,13 @@ struct ScriptedTransportCall {
     }
 
     std::int32_t receive(char* buffer) {
-        const auto answer = installed->next(Transport::receiveFunction, {});
+        const auto answer =
+            installedTransport->next(Transport::receiveFunction, {});
         const std::string bytes = answer.text.value_or("");
         if (bytes.size() > bufferSize) {
-            installed->failure("OvMem_Receive was scripted to write " +
-                               std::to_string(bytes.size()) + " bytes");
+            installedTransport->failure("OvMem_Receive was scripted to write " +
+                                        std::to_string(bytes.size()) +
+                                        " bytes");
             return answer.status;
         }
         std::fill_n(buffer, bufferSize, unwritten);
@@ -75,13 +77,15 @@ struct ScriptedTransportCall {
     }
 
     std::int32_t lastError(const char** stored) {
-        auto answer = installed->next(Transport::lastErrorFunction, {});
+        auto answer =
+            installedTransport->next(Transport::lastErrorFunction, {});
         if (*stored != nullptr) {
-            installed->failure("OvMem_GetLastError was not handed a null");
+            installedTransport->failure(
+                "OvMem_GetLastError was not handed a null");
         }
         if (answer.text) {
-            installed->lastErrorText = std::move(*answer.text);
-            *stored = installed->lastErrorText.c_str();
+            installedTransport->lastErrorText = std::move(*answer.text);
+            *stored = installedTransport->lastErrorText.c_str();
         }
         return answer.status;
     }
@@ -93,20 +97,20 @@ private:
 
     std::int32_t status(Transport::Function function,
                         const std::string& arguments) {
-        return installed->next(function, arguments).status;
+        return installedTransport->next(function, arguments).status;
     }
 };
 
 ScriptedTransport::ScriptedTransport(Failure failureCallback)
     : failure(std::move(failureCallback)),
       traceDescriptor(-1),
-      previous(installed) {
-    installed = this;
+      previous(installedTransport) {
+    installedTransport = this;
 }
 
 ScriptedTransport::~ScriptedTransport() {
     verify();
-    installed = previous;
+    installedTransport = previous;
 }
 
 ScriptedTransport& ScriptedTransport::add(Function function, Answer answer) {

@@ -23,8 +23,8 @@ using OvMemTest::xmlPlatformRuns;
 using Util::startPlatform;
 using xercesc::XMLPlatformUtils;
 
-const Thrown notInitialised{"DomException", 0,
-                            "XML parser platform is not initialised"};
+const Thrown nothingParsed{"DomException", 0,
+                           "XML parser platform is not initialised"};
 
 Thrown parsing() {
     return thrownBy([] { Util::SAXToNodeParser().parseString("<r/>"); });
@@ -57,20 +57,20 @@ TEST(PlatformStart, IsCounted) {
         EXPECT_EQ(parsing(), nothingThrown);
         XMLPlatformUtils::Terminate();
         EXPECT_FALSE(xmlPlatformRuns());
-        EXPECT_EQ(parsing(), notInitialised);
+        EXPECT_EQ(parsing(), nothingParsed);
     });
 }
 
 TEST(PlatformStart, AfterOneThatFailedNothingIsParsed) {
     runInChild([] {
         failToStart();
-        EXPECT_EQ(parsing(), notInitialised);
+        EXPECT_EQ(parsing(), nothingParsed);
         {
             const Client::OvMEMConnection connection;
-            EXPECT_EQ(parsing(), notInitialised);
+            EXPECT_EQ(parsing(), nothingParsed);
         }
         const Client::OvMEMConnection another;
-        EXPECT_EQ(parsing(), notInitialised);
+        EXPECT_EQ(parsing(), nothingParsed);
     });
 }
 

@@ -14,6 +14,11 @@ class Headers(unittest.TestCase):
                 self.assertEqual(["cli/A.h:1: begin with the include guard CLI_A_H"],
                                  findings(headers, {"cli/A.h": text}))
 
+    def test_a_header_has_no_anonymous_namespace(self):
+        text = HEADER.replace("#endif", "  namespace {\n}\nnamespace a {\n}\n#endif")
+        self.assertEqual(["cli/A.h:3: no anonymous namespace in a header"],
+                         findings(headers, {"cli/A.h": text, "cli/B.cpp": "namespace {\n}\n"}))
+
     def test_a_quoted_include_is_a_path_from_the_root(self):
         self.assertEqual(["cli/B.cpp:1: 'A.h': no such file; write the path from the root"],
                          findings(headers, {"cli/A.h": HEADER,
