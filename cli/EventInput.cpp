@@ -1,6 +1,7 @@
 #include "cli/EventInput.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
@@ -96,8 +97,8 @@ private:
     // descriptor does not block.
     bool mayReadAgain() const {
         if (errno == EAGAIN) {
-            pollfd input = {descriptor, POLLIN, 0};
-            return poll(&input, 1, -1) >= 0 || errno == EINTR;
+            std::array<pollfd, 1> input = {{{descriptor, POLLIN, 0}}};
+            return poll(input.data(), input.size(), -1) >= 0 || errno == EINTR;
         }
         return errno == EINTR;
     }

@@ -11,6 +11,10 @@ using OvMemTest::Program;
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds graceAndMore{1700};
+
 // The first answer of the service to registerClient, and to getEvents.
 const char REGISTERING[] = "receive - 1 hang -";
 const char FETCHING[] = "receive - 5 hang -";
@@ -127,7 +131,6 @@ TEST_F(Stopping, APipeThatDoesNotBlockIsGivenUpInTheSameWay) {
 }
 
 TEST_F(Stopping, TheSameSignalAtOnceAgainIsNoSecondOne) {
-    using Clock = std::chrono::steady_clock;
     bool atOnce = false;
     for (int attempt = 0; !atOnce && attempt < 50; ++attempt) {
         auto running = startBlocked(getterOf(manyEvents), "100");
@@ -345,6 +348,40 @@ TEST_F(Stopping, WithoutGraceThereIsStillTimeForSaving) {
     const Outcome outcome = running.waitForEndUnread();
     EXPECT_EQ(outcome,
               (Outcome{143, manyEvents.substr(0, 65536), cut("SIGTERM")}));
+}
+
+TEST_F(Stopping, TheGraceBeginsAgainWithSaving) {
+    auto running = getterOf(manyEvents, "fsync - 1 hang -")
+                       .pipeOutput()
+                       .start({"get", "--grace=1.5"});
+    running.waitUntil([&] { return running.outputIsFull(); });
+    running.signal(SIGTERM);
+    const auto end = Clock::now() + graceAndMore;
+    running.closeOutput();
+    waitForHang(running);
+    running.waitUntil([&] { return Clock::now() > end; });
+    goOn();
+    const Outcome outcome = running.waitForEnd();
+    EXPECT_EQ(outcome,
+              (Outcome{143, "",
+                       "ovmem: input/output: Cannot write the events to "
+                       "standard output: Broken pipe; it has taken 65536 of " +
+                           std::to_string(manyEvents.size()) + " bytes.\n" +
+                           saved(manyEvents, savedFile(manyEvents))}));
+}
+
+TEST_F(Stopping, TheEndOfTheGraceDoesNotKeepTheReportBack) {
+    auto running = getterOf(manyEvents, "write errors 1 hang -")
+                       .pipeOutput()
+                       .start({"get", "--grace=1.5"});
+    running.waitUntil([&] { return running.outputIsFull(); });
+    running.signal(SIGTERM);
+    const auto end = Clock::now() + graceAndMore;
+    EXPECT_EQ(running.readOutput(manyEvents.size()), manyEvents);
+    waitForHang(running);
+    running.waitUntil([&] { return Clock::now() > end; });
+    goOn();
+    EXPECT_EQ(running.waitForEnd(), (Outcome{143, "", delivered("SIGTERM")}));
 }
 
 TEST_F(Stopping, ASignalThatIsIgnoredFromTheStartStaysSo) {
