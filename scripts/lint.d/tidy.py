@@ -16,6 +16,7 @@ TOOL = "clang-tidy-14"
 BUILD = "build/dev"
 OWN = f"{BUILD}/tidy"
 FOLDERS = ("OvMemCppBinding/", "emulator/", "cli/", "examples/")
+PRECOMPILED = re.compile(r" -Winvalid-pch| -include \S*/cmake_pch\.hxx")
 SAID = re.compile(r"^(/\S+?):(\d+):\d+: (?:error|warning): (.*?)(?:,-warnings-as-errors)?(\]?)$",
                   re.M)
 
@@ -53,9 +54,9 @@ def _look(tree, path, rest):
 
 
 def _commands(tree):
-    """The command of each source. Of a source that tests compile once more, with
-    g++'s precompiled headers, it is the command of its own target, which stands
-    first; clang-tidy is given a list of just these."""
+    """The command of each source. Of a source that tests compile once more it is
+    the command of its own target, which stands first; clang-tidy is given a list of
+    just these, without g++'s precompiled headers: so it sees missing includes."""
     file = tree.file(f"{BUILD}/compile_commands.json")
     if not os.path.exists(file):
         return {}
@@ -63,6 +64,7 @@ def _commands(tree):
     own = {}
     with open(file, encoding="utf-8") as opened:
         for one in json.load(opened):
+            one["command"] = PRECOMPILED.sub("", one["command"])
             own.setdefault(os.path.relpath(os.path.realpath(one["file"]), root), one)
     os.makedirs(tree.file(OWN), exist_ok=True)
     with open(tree.file(f"{OWN}/compile_commands.json"), "w", encoding="utf-8") as list_:

@@ -12,7 +12,7 @@ PARTS = {
                     ["unit"],
                     ["ovmem.faults.EndlessHandshake", "ovmem.faults.PlatformStart",
                      "ovmem.faults.GuardedPlatformStart", "ovmem.faults.FaultMatrix",
-                     "ovmem.lifetime.Orders", "ovmem.faults.HeapLoss",
+                     "ovmem.lifetime.LongOrders", "ovmem.faults.HeapLoss",
                      "ovmem.faults.AllocationSweep"]),
     "emulator": Part("emulator", ["emulator/*/*.cpp", "emulator/*/*.h"], ["emulator"],
                      ["ovmem.process.KilledGetter", "ovmem.process.ConcurrentPutters"]),

@@ -28,7 +28,8 @@ if(OVMEM_TEST_PRECOMPILE)
   add_executable(ovmem_test_headers "${CMAKE_CURRENT_LIST_DIR}/headers.cpp")
   target_link_libraries(ovmem_test_headers PRIVATE GTest::gtest)
   target_precompile_headers(ovmem_test_headers PRIVATE
-    <functional> <memory> <sstream> <string> <vector> <gtest/gtest.h>)
+    <algorithm> <chrono> <filesystem> <fstream> <functional> <iostream> <map> <memory>
+    <optional> <sstream> <string> <thread> <vector> <gtest/gtest.h>)
 endif()
 
 # The rest is mostly the other headers, once for each file: a few files of a program

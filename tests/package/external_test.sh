@@ -9,6 +9,7 @@ temporary_folder
 cmake -G Ninja -S "$here/external" -B "$folder/closed" >/dev/null
 cmake --build "$folder/closed" >/dev/null
 configure=(cmake -G Ninja -S "$source" -B "$folder/build" -DOVMEM_PLATFORM=external
+  -DOVMEM_PRECOMPILE=ON
   -DOVMEM_BUILD_CLI=OFF -DOVMEM_BUILD_TESTS=OFF -DOVMEM_BUILD_EXAMPLES=OFF)
 
 # refused SENTENCE [OPTION ...]

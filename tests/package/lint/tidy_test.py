@@ -58,6 +58,13 @@ class Tidy(unittest.TestCase):
         self.write("cli/A.cpp", "int a;\n")
         self.assertEqual([], self.findings())
 
+    def test_the_tool_is_given_the_command_without_precompiled_headers(self):
+        self.write("cli/A.cpp", "int a;\n")
+        self.command("c++ -Wall -Winvalid-pch -include /b/one.dir/cmake_pch.hxx -o A.o -c A.cpp")
+        self.assertEqual([], self.findings())
+        with open(f"{self.root}/build/dev/tidy/compile_commands.json", encoding="utf-8") as given:
+            self.assertEqual("c++ -Wall -o A.o -c A.cpp", json.load(given)[0]["command"])
+
     def test_a_clean_source_is_looked_at_again_only_after_a_change(self):
         self.write("cli/A.cpp", "int a;\n")
         self.findings()
