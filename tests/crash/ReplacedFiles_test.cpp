@@ -72,12 +72,13 @@ std::string takeAll(const std::string& file) {
     return all;
 }
 
-bool holdsRemovedFile(const ChildProcess& process) {
+// Of the store at `path` and what stands beside it.
+bool holdsRemovedFile(const ChildProcess& process, const std::string& path) {
     const fs::path files = "/proc/" + std::to_string(process.id()) + "/fd";
     for (const auto& entry : fs::directory_iterator(files)) {
         std::error_code closed;
         const std::string name = fs::read_symlink(entry, closed).string();
-        if (name.ends_with(" (deleted)")) {
+        if (name.starts_with(path) && name.ends_with(" (deleted)")) {
             return true;
         }
     }
@@ -164,8 +165,8 @@ protected:
 
     // What only a removed log holds is lost if its processes are killed before
     // they notice. They may have put much that was not read from them yet.
-    static void awaitNotice(ChildProcess& putter) {
-        while (!HasFatalFailure() && holdsRemovedFile(putter)) {
+    void awaitNotice(ChildProcess& putter) const {
+        while (!HasFatalFailure() && holdsRemovedFile(putter, file(""))) {
             awaitPuts(putter, putter.output().size() + 1);
         }
     }
