@@ -17,7 +17,7 @@ namespace ovmem::cli {
 
 namespace {
 
-struct Progress {
+struct Writing {
     Written written;
     std::size_t size;  // of the output
 };
@@ -50,27 +50,26 @@ Written write(const std::string& events, const TextSource& output,
     return written;
 }
 
-std::string reasonOf(const Progress& progress, const SignalWatch& watch) {
+std::string reasonOf(const Writing& writing, const SignalWatch& watch) {
     const std::string start =
-        watch.isOver()
-            ? "Stopped by " + nameOfSignal(watch.signal()) +
-                  "; standard output has taken "
-            : "Cannot write the events to standard output: " +
-                  std::string(std::strerror(progress.written.error)) +
-                  "; it has taken ";
-    return start + std::to_string(progress.written.bytes) + " of " +
-           std::to_string(progress.size) + " bytes.";
+        watch.isOver() ? "Stopped by " + nameOfSignal(watch.signal()) +
+                             "; standard output has taken "
+                       : "Cannot write the events to standard output: " +
+                             std::string(std::strerror(writing.written.error)) +
+                             "; it has taken ";
+    return start + std::to_string(writing.written.bytes) + " of " +
+           std::to_string(writing.size) + " bytes.";
 }
 
 // What is said of events that were all written, to a terminal that may not have
 // shown them.
-std::string reasonOfDoubt(const Progress& progress, const SignalWatch& watch,
+std::string reasonOfDoubt(const Writing& writing, const SignalWatch& watch,
                           int signal) {
     const std::string start =
         watch.signal() == 0
             ? "Standard"
             : "Stopped by " + nameOfSignal(watch.signal()) + "; standard";
-    return start + " output has taken all " + std::to_string(progress.size) +
+    return start + " output has taken all " + std::to_string(writing.size) +
            " bytes, but at " + nameOfSignal(signal) +
            " the terminal may have dropped some of them.";
 }
@@ -111,9 +110,9 @@ void deliver(const std::string& events, const TextSource& output,
     watch.enter(SignalWatch::Phase::Saving);
     const Rescue rescue = events.empty() ? Rescue() : saveToRescueFile(events);
     // Only now: it may take a while.
-    const Progress progress = {result, sizeOf(events, output)};
-    const std::string reason = written ? reasonOfDoubt(progress, watch, dropped)
-                                       : reasonOf(progress, watch);
+    const Writing writing = {result, sizeOf(events, output)};
+    const std::string reason = written ? reasonOfDoubt(writing, watch, dropped)
+                                       : reasonOf(writing, watch);
     const bool stopped = written ? watch.signal() != 0 : watch.isOver();
     throw Failure{
         stopped ? exitCodeOfSignal(watch.signal()) : ExitCode::InputOutput,

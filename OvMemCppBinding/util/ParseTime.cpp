@@ -15,8 +15,8 @@ using std::chrono::nanoseconds;
 // Of the calls of check(), one in so many asks for the time.
 constexpr unsigned callsPerLook = 16;
 
-constexpr milliseconds unlimited = milliseconds::max();
-milliseconds timeLimit = unlimited;
+constexpr milliseconds unlimitedTime = milliseconds::max();
+milliseconds timeLimit = unlimitedTime;
 
 nanoseconds timeOfThread() {
     timespec time = {};
@@ -31,11 +31,11 @@ void ParseTime::setLimit(milliseconds limit) {
 }
 
 void ParseTime::liftLimit() {
-    timeLimit = unlimited;
+    timeLimit = unlimitedTime;
 }
 
 bool ParseTime::isLimited() {
-    return timeLimit != unlimited;
+    return timeLimit != unlimitedTime;
 }
 
 ParseTime::ParseTime()

@@ -14,11 +14,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto lockLimit = 10s;
-constexpr auto removeLimit = 10min;  // a lease must not be left in the list
+constexpr auto leaseLimit = 10min;  // a lease must not be left in the list
 
 // Registered before the handlers of the stores, so that this lock is taken
 // after theirs, as elsewhere.
-[[gnu::constructor(199)]] void registerForForks() {
+[[gnu::constructor(199)]] void registerLeasesForForks() {
     ::pthread_atfork([] { OpenLeases::instance().beforeFork(); },
                      [] { OpenLeases::instance().inParent(); },
                      [] { OpenLeases::instance().inChild(); });
@@ -46,7 +46,7 @@ void OpenLeases::add(OpenLease& lease, const void* store) {
 }
 
 void OpenLeases::remove(OpenLease& lease) noexcept {
-    if (mutex.tryLockFor(removeLimit)) {
+    if (mutex.tryLockFor(leaseLimit)) {
         lease.end();
         std::erase_if(leases,
                       [&](const Entry& each) { return each.lease == &lease; });

@@ -9,11 +9,13 @@ import bad_tree  # noqa: F401  (finds tidy)
 import tidy
 from tree import Tree
 
-# Says what stands behind "TIDY " in the source, and notes that it was asked.
+# Says what stands behind "TIDY " in the source and in what it includes, and notes
+# that it was asked. Two sources with "ALONE" are too much for it.
 TOOL = """#!/bin/sh
 echo "$4" >>asked
-sed -n "s|^// TIDY |$PWD/$4:1:7: error: |p" "$4"
-! grep -q '^// FAIL' "$4"
+files="$PWD/$4 $(sed -n 's|^#include "\\(.*\\.cpp\\)"$|\\1|p' "$4")"
+for file in $files; do sed -n "s|^// TIDY |$file:1:7: error: |p" "$file"; done
+[ $(cat $files | grep -c '^// ALONE') -lt 2 ] && ! cat $files | grep -q '^// FAIL'
 """
 
 
@@ -38,8 +40,12 @@ class Tidy(unittest.TestCase):
         file.write_text(text, encoding="utf-8")
 
     def command(self, text):
+        self.commands({"cli/A.cpp": text})
+
+    def commands(self, texts):
         self.write("build/dev/compile_commands.json", json.dumps(
-            [{"file": os.path.join(self.root, "cli/A.cpp"), "command": text}]))
+            [{"file": os.path.join(self.root, path), "command": text}
+             for path, text in texts.items()]))
 
     def findings(self):
         return [tuple(f) for f in tidy.check(Tree(self.root))]
@@ -78,6 +84,49 @@ class Tidy(unittest.TestCase):
             change()
             self.findings()
             self.assertEqual(["cli/A.cpp"], self.asked())
+
+    def compiled(self, folder, names):
+        """Sources of a folder, all with the same command."""
+        paths = [f"{folder}/{name}.cpp" for name in names]
+        for path in paths:
+            self.write(path, f"int {os.path.basename(path)[0]};\n")
+        self.commands({p: f"c++ -o {p}.o -c {self.root}/{p}" for p in paths})
+        return paths
+
+    def test_eight_sources_of_a_folder_are_looked_at_together(self):
+        self.compiled("emulator/store", "ABCDEFGHI")
+        self.assertEqual([], self.findings())
+        self.assertEqual(["build/dev/tidy/emulator_store_A.cpp", "emulator/store/I.cpp"],
+                         self.asked())
+        with open(f"{self.root}/build/dev/tidy/emulator_store_A.cpp", encoding="utf-8") as one:
+            self.assertEqual([f'#include "{self.root}/emulator/store/{name}.cpp"\n'
+                              for name in "ABCDEFGH"], list(one))
+        with open(f"{self.root}/build/dev/tidy/compile_commands.json", encoding="utf-8") as given:
+            command = {one["file"]: one["command"] for one in json.load(given)}
+        batch = f"{self.root}/build/dev/tidy/emulator_store_A.cpp"
+        self.assertEqual(f"c++ -o emulator/store/A.cpp.o -c {batch}", command[batch])
+
+    def test_only_sources_with_the_same_command_are_looked_at_together(self):
+        self.compiled("cli", "AB")
+        self.commands({"cli/A.cpp": "c++ -c A.cpp", "cli/B.cpp": "c++ -O2 -c B.cpp"})
+        self.assertEqual([], self.findings())
+        self.assertEqual(["cli/A.cpp", "cli/B.cpp"], sorted(self.asked()))
+
+    def test_a_finding_among_several_sources_is_that_of_its_source(self):
+        self.compiled("cli", "ABC")
+        self.write("cli/B.cpp", "// TIDY use nullptr [use-nullptr,-warnings-as-errors]\n")
+        for _ in range(2):
+            self.assertEqual([("cli/B.cpp", 1, "use nullptr [use-nullptr]")],
+                             self.findings())
+
+    def test_sources_that_do_not_go_together_are_looked_at_one_by_one(self):
+        paths = self.compiled("cli", "ABC")
+        self.write("cli/A.cpp", "// ALONE\n")
+        self.write("cli/B.cpp", "// ALONE\n")
+        self.assertEqual([], self.findings())
+        self.assertEqual(["build/dev/tidy/cli_A.cpp", *paths], self.asked())
+        self.assertEqual([], self.findings())
+        self.assertEqual([], self.asked())
 
     def test_a_source_that_nothing_compiles_is_a_finding(self):
         self.write("cli/A.cpp", "int a;\n")
