@@ -379,6 +379,9 @@ TEST_F(LeaseFileTest, ALinkInItsPlaceIsRefusedAndNotFollowed) {
 }
 
 TEST_F(LeaseFileTest, ThatCannotBeTakenIsAnErrorThatSaysWhatToDo) {
+    if (!OvMemTest::SystemCallWatcher::seesCalls()) {
+        GTEST_SKIP() << "The thread sanitizer has the calls of the system.";
+    }
     const auto because = [&](SystemCall::Kind call, int error) {
         const FailingLease failing(call, error);
         return refusal();
@@ -404,6 +407,9 @@ TEST_F(LeaseFileTest, ThatCannotBeTakenIsAnErrorThatSaysWhatToDo) {
 }
 
 TEST_F(LeaseFileTest, ThatCannotBeLockedIsAnErrorAndLeavesNothingOpen) {
+    if (!OvMemTest::SystemCallWatcher::seesCalls()) {
+        GTEST_SKIP() << "The thread sanitizer has the calls of the system.";
+    }
     SqliteStore store(options);
     store.sharedClients(valve);
     Getting getting(store, valve);
