@@ -153,7 +153,7 @@ void requireWritable(SQLite::Database& database) {
 void makeStore(SQLite::Database& database, const SqliteOptions& options,
                Deadline deadline) {
     const StoreFiles files(options);
-    const GatePassage passage(files.gate(), deadline);
+    const GatePassage passage(files.gate(), deadline, files.fileMode());
     if (isEmpty(database)) {
         if (files.isRemembered()) {
             throw StoreError("The event store '" + options.path +
@@ -181,15 +181,15 @@ std::string withoutLinks(const std::string& path) {
     return error ? path : (folder / file.filename()).string();
 }
 
-void requireLogOfIndex(SQLite::Database& database, const std::string& path,
+void requireLogOfIndex(SQLite::Database& database, const StoreFiles& files,
                        Deadline deadline) {
     if (isLogOfIndex(database)) {
         return;
     }
-    const GatePassage passage(path + ".gate", deadline);
+    const GatePassage passage(files.gate(), deadline, files.fileMode());
     if (!isLogOfIndex(database)) {
-        throw StoreError("The log '" + path +
-                         "-wal' of the event store was removed or replaced "
+        throw StoreError("The log '" + files.log() +
+                         "' of the event store was removed or replaced "
                          "while another process uses it. Let that process "
                          "make its next call, or end it, then repeat the "
                          "call.");
@@ -214,7 +214,7 @@ void prepare(SQLite::Database& database, const SqliteOptions& options,
     database.exec("PRAGMA secure_delete = FAST");
     // Processes that come one after the other never start the log from its
     // beginning, since each has it open alone and for a moment.
-    cutLog(database, options.path, largestLog, deadline);
+    cutLog(database, StoreFiles(options), largestLog, deadline);
 }
 
 }  // namespace
@@ -224,7 +224,7 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
     const StoreFiles files(options);
     if (!files.exist()) {
         files.makePlace();
-        const GatePassage passage(files.gate(), deadline);
+        const GatePassage passage(files.gate(), deadline, files.fileMode());
         files.makeDatabase();
     }
     std::unique_ptr<SQLite::Database> database;
@@ -235,13 +235,13 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
             SQLite::OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW,
             millisecondsUntil(deadline));
         prepare(*database, options, deadline);
-        requireLogOfIndex(*database, options.path, deadline);
+        requireLogOfIndex(*database, files, deadline);
     } catch (const SQLite::Exception& error) {
         const int systemError =
             database ? ::sqlite3_system_errno(database->getHandle()) : errno;
         if (database) {
             // It may be the reason why the file could not be read.
-            requireLogOfIndex(*database, options.path, deadline);
+            requireLogOfIndex(*database, files, deadline);
         }
         throw SqliteOpenFailure(error, systemError);
     }
@@ -265,17 +265,18 @@ void requireStore(SQLite::Database& database, const std::string& path) {
     requireOurs(database, path);
 }
 
-void cutLog(SQLite::Database& database, const std::string& path,
+void cutLog(SQLite::Database& database, const StoreFiles& files,
             std::uintmax_t bytes, Deadline deadline) {
     std::error_code error;
-    const auto size = std::filesystem::file_size(path + "-wal", error);
+    const auto size = std::filesystem::file_size(files.log(), error);
     if (error || size <= bytes) {
         return;
     }
     try {
         const GatePassage passage(
-            path + ".gate",
-            std::min(deadline, std::chrono::steady_clock::now() + cutLimit));
+            files.gate(),
+            std::min(deadline, std::chrono::steady_clock::now() + cutLimit),
+            files.fileMode());
         database.setBusyTimeout(0);  // a reader may be stopped
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const SQLite::Exception&) {

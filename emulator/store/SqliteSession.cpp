@@ -79,7 +79,7 @@ SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
 SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit,
                              const StoreFiles::Snapshot& before)
     : files(options),
-      gate(files.gate()),
+      gate(files.gate(), files.fileMode()),
       portion(options.portion),
       dedupe(options.dedupe),
       deadline(limit),
@@ -108,7 +108,8 @@ void SqliteSession::tidyUp() noexcept {
     try {
         const auto limit = wrote ? tidyLimit : std::chrono::seconds(0);
         const GatePassage passage(gate.path(),
-                                  std::chrono::steady_clock::now() + limit);
+                                  std::chrono::steady_clock::now() + limit,
+                                  files.fileMode());
         putMemory.reset();
         room.reset();
         trimming.reset();
@@ -122,7 +123,7 @@ void SqliteSession::tidyUp() noexcept {
 }
 
 void SqliteSession::cutLog() {
-    Emulator::cutLog(*database, files.database(), 0, deadline);
+    Emulator::cutLog(*database, files, 0, deadline);
 }
 
 void SqliteSession::waitUntil(Deadline limit) {

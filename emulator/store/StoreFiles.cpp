@@ -112,8 +112,7 @@ void makeFolders(const fs::path& folder, Access access) {
     }
 }
 
-void makeFile(const std::string& path, Access access) {
-    const mode_t mode = access == Access::group ? 0660 : 0600;
+void makeFile(const std::string& path, mode_t mode) {
     const File file(::open(path.c_str(),
                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
                            mode));
@@ -132,6 +131,10 @@ StoreFiles::StoreFiles(const SqliteOptions& options)
       indexPath(path + "-shm"),
       gatePath(path + ".gate"),
       access(options.access) {}
+
+mode_t StoreFiles::fileMode() const {
+    return access == Access::group ? 0660 : 0600;
+}
 
 bool StoreFiles::exist() const {
     if (isThere(path)) {
@@ -170,11 +173,11 @@ void StoreFiles::requirePlace() const {
 void StoreFiles::makePlace() const {
     requirePlace();
     makeFolders(fs::path(path).parent_path(), access);
-    makeFile(gate(), access);
+    makeFile(gate(), fileMode());
 }
 
 void StoreFiles::makeDatabase() const {
-    makeFile(path, access);
+    makeFile(path, fileMode());
 }
 
 // SQLite's own order: an index without a log would mean that one was removed.

@@ -39,6 +39,9 @@ public:
     const std::string& index() const { return indexPath; }
     const std::string& gate() const { return gatePath; }
 
+    // The rights of a file that is made.
+    mode_t fileMode() const;
+
     // False if there is no store. Refuses a file that cannot be one, and a
     // store that was there once and has vanished.
     bool exist() const;
