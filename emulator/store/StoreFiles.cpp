@@ -1,6 +1,7 @@
 #include "emulator/store/StoreFiles.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -188,10 +189,15 @@ void StoreFiles::removeLogAndIndex() const noexcept {
 
 void StoreFiles::rememberInGate() const {
     const File file(::open(gate().c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));
-    const auto length = static_cast<ssize_t>(std::strlen(remembered));
-    if (file.get() < 0 || ::pwrite(file.get(), remembered,
-                                   std::strlen(remembered), 0) != length) {
+    const std::size_t length = std::strlen(remembered);
+    const ssize_t written =
+        file.get() < 0 ? -1 : ::pwrite(file.get(), remembered, length, 0);
+    if (written < 0) {
         throw notMade("gate", gate(), errno);
+    }
+    // A write that falls short sets no errno.
+    if (static_cast<std::size_t>(written) < length) {
+        throw notMade("gate", gate(), ENOSPC);
     }
 }
 
