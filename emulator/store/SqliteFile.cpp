@@ -141,6 +141,16 @@ void requireOurs(SQLite::Database& database, const std::string& path) {
     }
 }
 
+// Beside a file that is refused nothing stays: neither log nor index.
+void requireOursOrLeave(SQLite::Database& database, const std::string& path) {
+    try {
+        requireOurs(database, path);
+    } catch (const StoreError&) {
+        keepLogAtClose(database, false);
+        throw;
+    }
+}
+
 // SQLite opens for reading alone what it cannot open for writing.
 void requireWritable(SQLite::Database& database) {
     if (::sqlite3_db_readonly(database.getHandle(), "main") == 1) {
@@ -200,10 +210,12 @@ void prepare(SQLite::Database& database, const SqliteOptions& options,
              Deadline deadline) {
     keepLogAtClose(database, true);
     requireWritable(database);
-    if (isEmpty(database) || !hasLog(database)) {
+    const bool isNew = isEmpty(database);
+    if (!isNew) {
+        requireOursOrLeave(database, options.path);
+    }
+    if (isNew || !hasLog(database)) {
         makeStore(database, options, deadline);
-    } else {
-        requireOurs(database, options.path);
     }
     database.exec(options.synchronous == Synchronous::full
                       ? "PRAGMA synchronous = FULL"

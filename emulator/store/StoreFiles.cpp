@@ -71,6 +71,12 @@ StoreFiles::Snapshot::File fileAt(const std::string& path) noexcept {
     return {status.st_dev, status.st_ino};
 }
 
+bool isEmptyFile(const std::string& path) noexcept {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_size == 0;
+}
+
 // False if there is nothing. A folder is left to SQLite's own words.
 bool isThere(const std::string& path) {
     struct stat status {};
@@ -142,7 +148,7 @@ bool StoreFiles::exist() const {
         isThere(log());
         isThere(index());
         isThere(gate());
-        return true;
+        return !isEmptyFile(path) || isRemembered();
     }
     if (isRemembered()) {
         throw StoreError("The event store '" + path +
