@@ -93,9 +93,12 @@ SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit,
       notes(gate.path(), options.synchronous),
       opened(files.snapshot()),
       folder(std::filesystem::path(files.database()).parent_path()) {
-    // A log may lose its name while it is being opened; the first write then
+    // A file may lose its name while it is being opened; the first write then
     // has to notice.
-    if (!(before.log == StoreFiles::Snapshot::File())) {
+    if (before.database != StoreFiles::Snapshot::File()) {
+        opened.database = before.database;
+    }
+    if (before.log != StoreFiles::Snapshot::File()) {
         opened.log = before.log;
     }
 }
