@@ -1,5 +1,7 @@
 #include "emulator/store/FolderWatch.h"
 
+#include <utility>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,10 +12,6 @@ namespace {
 
 constexpr long nanosecondsOfAMillisecond = 1000000;
 constexpr long coarseness = 100;  // milliseconds, much more than any tick
-
-bool isSame(const std::timespec& one, const std::timespec& other) {
-    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
-}
 
 bool isLongPast(const std::timespec& change) {
     std::timespec now{};
@@ -26,8 +24,9 @@ bool isLongPast(const std::timespec& change) {
 
 }  // namespace
 
-FolderWatch::FolderWatch(const std::string& path)
-    : folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+FolderWatch::FolderWatch(std::string where)
+    : path(std::move(where)),
+      folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
 
 FolderWatch::~FolderWatch() {
     if (folder >= 0) {
@@ -37,17 +36,23 @@ FolderWatch::~FolderWatch() {
 
 bool FolderWatch::isUnchanged() noexcept {
     struct stat status {};
-    if (folder < 0 || ::fstat(folder, &status) != 0) {
+    if (folder < 0 || ::stat(path.c_str(), &status) != 0) {
         settled = false;
         return false;
     }
-    seen = status.st_mtim;
+    seen = {status.st_dev, status.st_ino, status.st_mtim};
     return settled && isSame(seen, trusted);
 }
 
 void FolderWatch::accept() noexcept {
     trusted = seen;
-    settled = folder >= 0 && isLongPast(seen);
+    settled = folder >= 0 && isLongPast(seen.change);
+}
+
+bool FolderWatch::isSame(const State& one, const State& other) noexcept {
+    return one.device == other.device && one.number == other.number &&
+           one.change.tv_sec == other.change.tv_sec &&
+           one.change.tv_nsec == other.change.tv_nsec;
 }
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -4,16 +4,19 @@
 #include <ctime>
 #include <string>
 
+#include <sys/types.h>
+
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // Tells cheaply that no name in a folder was made, removed or changed since
-// somebody last looked at them: by the time of the folder's last change.
+// somebody last looked at them, and that the path still leads to that folder:
+// by the folder's number and the time of its last change.
 //
 // That time is coarse. So a folder that has only just been changed counts as
 // changed for a while, as does one that cannot be opened.
 class FolderWatch {
 public:
-    explicit FolderWatch(const std::string& folder);
+    explicit FolderWatch(std::string folder);
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
     ~FolderWatch();
@@ -25,10 +28,19 @@ public:
     void accept() noexcept;
 
 private:
-    const int folder;
-    std::timespec seen{};     // the last change, at the last isUnchanged
-    std::timespec trusted{};  // the one at which all was as it should be
-    bool settled = false;     // it was long past by then
+    struct State {
+        dev_t device = 0;
+        ino_t number = 0;
+        std::timespec change{};  // the last one
+    };
+
+    static bool isSame(const State& one, const State& other) noexcept;
+
+    const std::string path;
+    const int folder;      // open, so that no other folder gets its number
+    State seen;            // at the last isUnchanged
+    State trusted;         // the one in which all was as it should be
+    bool settled = false;  // its change was long past by then
 };
 
 }  // namespace Orvane::Net::OvModelEventManager::Emulator

@@ -24,8 +24,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr mode_t fileMode = 0600;
-
 // After so long a waiter no longer counts on the one who is next.
 constexpr auto patience = 100ms;
 
@@ -154,7 +152,8 @@ bool hasAName(int file, const std::string& path) {
 
 }  // namespace
 
-Gate::Gate(std::string path) : name(std::move(path)) {}
+Gate::Gate(std::string path, mode_t rights)
+    : name(std::move(path)), mode(rights) {}
 
 Gate::~Gate() {
     close();
@@ -173,10 +172,17 @@ bool Gate::hasWaiters() const noexcept {
 }
 
 void Gate::open() {
-    if (file < 0) {
-        file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
-                      fileMode);
-        if (file < 0) {
+    constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+    while (file < 0) {
+        file = ::open(name.c_str(), flags);
+        if (file < 0 && errno == ENOENT) {
+            file = ::open(name.c_str(), flags | O_CREAT | O_EXCL, mode);
+            if (file >= 0) {
+                ::fchmod(file, mode);
+            }
+        }
+        // Somebody else may have made it in between.
+        if (file < 0 && errno != EEXIST) {
             throw gateError(name, errno);
         }
     }
@@ -190,8 +196,9 @@ void Gate::close() noexcept {
 }
 
 // Somebody may have removed the file meanwhile; its lock is then worth nothing.
-GatePassage::GatePassage(const std::string& path, Deadline deadline)
-    : own(std::in_place, path), gate(*own) {
+GatePassage::GatePassage(const std::string& path, Deadline deadline,
+                         mode_t mode)
+    : own(std::in_place, path, mode), gate(*own) {
     for (;;) {
         gate.open();
         Waiter(gate.file, path, deadline).wait();

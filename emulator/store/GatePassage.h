@@ -5,13 +5,16 @@
 #include <optional>
 #include <string>
 
+#include <sys/types.h>
+
 #include "emulator/store/ForkLock.h"
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
 // A gate that is a file, kept open from one passage to the next.
 //
-// The file is opened by the first passage. Whoever keeps a gate looks from time
+// The file is opened by the first passage, and made if there is none, with the
+// rights `mode` whatever the umask says. Whoever keeps a gate looks from time
 // to time whether its name still stands for the same file (hasItsName): a lock
 // on one that was removed or replaced keeps nobody out.
 //
@@ -21,8 +24,10 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // Threads: one at a time.
 class Gate {
 public:
+    static constexpr mode_t ownersOnly = 0600;
+
     // Opens nothing yet.
-    explicit Gate(std::string path);
+    explicit Gate(std::string path, mode_t mode = ownersOnly);
     Gate(const Gate&) = delete;
     Gate& operator=(const Gate&) = delete;
     ~Gate();
@@ -43,6 +48,7 @@ private:
     void close() noexcept;
 
     const std::string name;
+    const mode_t mode;
     int file = -1;
 };
 
@@ -61,11 +67,11 @@ class GatePassage {
 public:
     static constexpr std::chrono::seconds usualLimit{10};
 
-    // Through a gate that is opened for this passage alone. Creates the file
-    // when there is none.
+    // Through a gate that is opened for this passage alone.
     explicit GatePassage(const std::string& path,
                          Deadline deadline = std::chrono::steady_clock::now() +
-                                             usualLimit);
+                                             usualLimit,
+                         mode_t mode = Gate::ownersOnly);
 
     // Through a gate that is kept, and must outlive the passage.
     GatePassage(Gate& kept, Deadline deadline);

@@ -141,6 +141,16 @@ void requireOurs(SQLite::Database& database, const std::string& path) {
     }
 }
 
+// Beside a file that is refused nothing stays: neither log nor index.
+void requireOursOrLeave(SQLite::Database& database, const std::string& path) {
+    try {
+        requireOurs(database, path);
+    } catch (const StoreError&) {
+        keepLogAtClose(database, false);
+        throw;
+    }
+}
+
 // SQLite opens for reading alone what it cannot open for writing.
 void requireWritable(SQLite::Database& database) {
     if (::sqlite3_db_readonly(database.getHandle(), "main") == 1) {
@@ -153,7 +163,7 @@ void requireWritable(SQLite::Database& database) {
 void makeStore(SQLite::Database& database, const SqliteOptions& options,
                Deadline deadline) {
     const StoreFiles files(options);
-    const GatePassage passage(files.gate(), deadline);
+    const GatePassage passage(files.gate(), deadline, files.fileMode());
     if (isEmpty(database)) {
         if (files.isRemembered()) {
             throw StoreError("The event store '" + options.path +
@@ -181,15 +191,15 @@ std::string withoutLinks(const std::string& path) {
     return error ? path : (folder / file.filename()).string();
 }
 
-void requireLogOfIndex(SQLite::Database& database, const std::string& path,
+void requireLogOfIndex(SQLite::Database& database, const StoreFiles& files,
                        Deadline deadline) {
     if (isLogOfIndex(database)) {
         return;
     }
-    const GatePassage passage(path + ".gate", deadline);
+    const GatePassage passage(files.gate(), deadline, files.fileMode());
     if (!isLogOfIndex(database)) {
-        throw StoreError("The log '" + path +
-                         "-wal' of the event store was removed or replaced "
+        throw StoreError("The log '" + files.log() +
+                         "' of the event store was removed or replaced "
                          "while another process uses it. Let that process "
                          "make its next call, or end it, then repeat the "
                          "call.");
@@ -200,10 +210,12 @@ void prepare(SQLite::Database& database, const SqliteOptions& options,
              Deadline deadline) {
     keepLogAtClose(database, true);
     requireWritable(database);
-    if (isEmpty(database) || !hasLog(database)) {
+    const bool isNew = isEmpty(database);
+    if (!isNew) {
+        requireOursOrLeave(database, options.path);
+    }
+    if (isNew || !hasLog(database)) {
         makeStore(database, options, deadline);
-    } else {
-        requireOurs(database, options.path);
     }
     database.exec(options.synchronous == Synchronous::full
                       ? "PRAGMA synchronous = FULL"
@@ -214,7 +226,7 @@ void prepare(SQLite::Database& database, const SqliteOptions& options,
     database.exec("PRAGMA secure_delete = FAST");
     // Processes that come one after the other never start the log from its
     // beginning, since each has it open alone and for a moment.
-    cutLog(database, options.path, largestLog, deadline);
+    cutLog(database, StoreFiles(options), largestLog, deadline);
 }
 
 }  // namespace
@@ -224,7 +236,7 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
     const StoreFiles files(options);
     if (!files.exist()) {
         files.makePlace();
-        const GatePassage passage(files.gate(), deadline);
+        const GatePassage passage(files.gate(), deadline, files.fileMode());
         files.makeDatabase();
     }
     std::unique_ptr<SQLite::Database> database;
@@ -235,13 +247,13 @@ std::unique_ptr<SQLite::Database> openSqliteFile(const SqliteOptions& options,
             SQLite::OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW,
             millisecondsUntil(deadline));
         prepare(*database, options, deadline);
-        requireLogOfIndex(*database, options.path, deadline);
+        requireLogOfIndex(*database, files, deadline);
     } catch (const SQLite::Exception& error) {
         const int systemError =
             database ? ::sqlite3_system_errno(database->getHandle()) : errno;
         if (database) {
             // It may be the reason why the file could not be read.
-            requireLogOfIndex(*database, options.path, deadline);
+            requireLogOfIndex(*database, files, deadline);
         }
         throw SqliteOpenFailure(error, systemError);
     }
@@ -265,17 +277,18 @@ void requireStore(SQLite::Database& database, const std::string& path) {
     requireOurs(database, path);
 }
 
-void cutLog(SQLite::Database& database, const std::string& path,
+void cutLog(SQLite::Database& database, const StoreFiles& files,
             std::uintmax_t bytes, Deadline deadline) {
     std::error_code error;
-    const auto size = std::filesystem::file_size(path + "-wal", error);
+    const auto size = std::filesystem::file_size(files.log(), error);
     if (error || size <= bytes) {
         return;
     }
     try {
         const GatePassage passage(
-            path + ".gate",
-            std::min(deadline, std::chrono::steady_clock::now() + cutLimit));
+            files.gate(),
+            std::min(deadline, std::chrono::steady_clock::now() + cutLimit),
+            files.fileMode());
         database.setBusyTimeout(0);  // a reader may be stopped
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const SQLite::Exception&) {

@@ -14,6 +14,8 @@ class Database;
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
+class StoreFiles;
+
 // Opens the file of a store, and makes it one if it is new: write-ahead log,
 // tables, marks by which it is known again. Passes the gate only if the file is
 // new, or to cut a log that has grown large.
@@ -41,7 +43,7 @@ void requireStore(SQLite::Database& database, const std::string& path);
 // Writes a log back into the file and cuts it if it is longer than `bytes`, and
 // nobody else is in the middle of a read. Passes the gate for that. The store
 // can be used whether it was done or not.
-void cutLog(SQLite::Database& database, const std::string& path,
+void cutLog(SQLite::Database& database, const StoreFiles& files,
             std::uintmax_t bytes, Deadline deadline);
 
 // Whether the last connection that is closed leaves the log, or writes it back

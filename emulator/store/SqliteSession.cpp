@@ -44,8 +44,9 @@ constexpr std::int64_t tidiedForOthers = 20000;
 
 constexpr std::size_t cachedLists = 256;
 
-// How long the end of a session that wrote may wait at the gate.
-constexpr std::chrono::seconds tidyLimit{1};
+// How long the end of a session that has something to save may wait at the
+// gate.
+constexpr std::chrono::seconds endLimit{1};
 
 }  // namespace
 
@@ -79,7 +80,7 @@ SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit)
 SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit,
                              const StoreFiles::Snapshot& before)
     : files(options),
-      gate(files.gate()),
+      gate(files.gate(), files.fileMode()),
       portion(options.portion),
       dedupe(options.dedupe),
       deadline(limit),
@@ -93,22 +94,47 @@ SqliteSession::SqliteSession(const SqliteOptions& options, Deadline limit,
       notes(gate.path(), options.synchronous),
       opened(files.snapshot()),
       folder(std::filesystem::path(files.database()).parent_path()) {
-    // A log may lose its name while it is being opened; the first write then
+    // A file may lose its name while it is being opened; the first write then
     // has to notice.
-    if (!(before.log == StoreFiles::Snapshot::File())) {
+    if (before.database != StoreFiles::Snapshot::File()) {
+        opened.database = before.database;
+    }
+    if (before.log != StoreFiles::Snapshot::File()) {
         opened.log = before.log;
     }
 }
 
 SqliteSession::~SqliteSession() = default;
 
+void SqliteSession::saveLostLog() noexcept {
+    try {
+        if (hasLostLog(files.snapshot())) {
+            deadline = std::chrono::steady_clock::now() + endLimit;
+            const GatePassage passage(gate.path(), deadline, files.fileMode());
+            keepsNames();
+        }
+    } catch (const std::exception&) {
+        // Whoever else has the log open may still save it.
+    }
+}
+
 // The last one to close writes the log back into the file; nobody may write
 // meanwhile. A log that is left behind is a matter of room only.
+//
+// SQLite then removes the log by its name, which may be that of others by now.
 void SqliteSession::tidyUp() noexcept {
     try {
-        const auto limit = wrote ? tidyLimit : std::chrono::seconds(0);
-        const GatePassage passage(gate.path(),
-                                  std::chrono::steady_clock::now() + limit);
+        const StoreFiles::Snapshot now = files.snapshot();
+        if (now.database != opened.database) {
+            return;
+        }
+        const auto limit =
+            wrote || now != opened ? endLimit : std::chrono::seconds(0);
+        deadline = std::chrono::steady_clock::now() + limit;
+        const GatePassage passage(gate.path(), deadline, files.fileMode());
+        if (!keepsNames()) {
+            return;
+        }
         putMemory.reset();
         room.reset();
         trimming.reset();
@@ -122,7 +148,7 @@ void SqliteSession::tidyUp() noexcept {
 }
 
 void SqliteSession::cutLog() {
-    Emulator::cutLog(*database, files.database(), 0, deadline);
+    Emulator::cutLog(*database, files, 0, deadline);
 }
 
 void SqliteSession::waitUntil(Deadline limit) {
@@ -321,15 +347,24 @@ void SqliteSession::requireSameFiles() {
     if (folder.isUnchanged()) {
         return;
     }
-    const StoreFiles::Snapshot now = files.snapshot();
-    if (now == opened && gate.hasItsName()) {
+    if (keepsNames() && gate.hasItsName()) {
         folder.accept();
         return;
     }
-    if (now.database == opened.database && now.log != opened.log) {
+    throw FilesReplaced();
+}
+
+// Inside the gate.
+bool SqliteSession::keepsNames() {
+    const StoreFiles::Snapshot now = files.snapshot();
+    if (hasLostLog(now)) {
         saveLog(now);
     }
-    throw FilesReplaced();
+    return now == opened;
+}
+
+bool SqliteSession::hasLostLog(const StoreFiles::Snapshot& now) const noexcept {
+    return now.database == opened.database && now.log != opened.log;
 }
 
 // What is only in a log that has lost its name goes into the database. Whoever

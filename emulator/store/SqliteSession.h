@@ -54,11 +54,17 @@ public:
     // Opens the file, and makes it a store if it is new.
     SqliteSession(const SqliteOptions& options, Deadline deadline);
 
-    // Closes the file at once. The log stays as it is.
+    // Closes the file at once. The log stays as it is; one that has no name any
+    // more is lost.
     ~SqliteSession() override;
 
+    // If the log has lost its name, what is only in it goes into the file,
+    // unless the gate stays shut for a while.
+    void saveLostLog() noexcept;
+
     // Writes the log back into the file, if nobody else has the file open and
-    // the gate is free soon. Then the session is of no more use.
+    // the gate is free soon. Files that are not the session's own stay as they
+    // are. Then the session is of no more use.
     void tidyUp() noexcept;
 
     // Writes the log back into the file, if that can be done: for the room that
@@ -107,6 +113,10 @@ private:
 
     void requireSameFiles();
     void requireSameFilesForReading();
+    // Whether all names still stand for the files that are open. A log that has
+    // lost its name is saved.
+    bool keepsNames();
+    bool hasLostLog(const StoreFiles::Snapshot& now) const noexcept;
     void saveLog(const StoreFiles::Snapshot& now);
 
     // What `work` makes of the caller, in a transaction; nothing if it is not

@@ -289,6 +289,9 @@ void SqliteStore::dropIfStuck() noexcept {
 }
 
 void SqliteStore::closeNow() noexcept {
+    if (session) {
+        session->saveLostLog();
+    }
     session.reset();
 }
 

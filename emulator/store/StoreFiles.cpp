@@ -1,6 +1,7 @@
 #include "emulator/store/StoreFiles.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -70,6 +71,12 @@ StoreFiles::Snapshot::File fileAt(const std::string& path) noexcept {
     return {status.st_dev, status.st_ino};
 }
 
+bool isEmptyFile(const std::string& path) noexcept {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_size == 0;
+}
+
 // False if there is nothing. A folder is left to SQLite's own words.
 bool isThere(const std::string& path) {
     struct stat status {};
@@ -112,8 +119,7 @@ void makeFolders(const fs::path& folder, Access access) {
     }
 }
 
-void makeFile(const std::string& path, Access access) {
-    const mode_t mode = access == Access::group ? 0660 : 0600;
+void makeFile(const std::string& path, mode_t mode) {
     const File file(::open(path.c_str(),
                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
                            mode));
@@ -133,12 +139,16 @@ StoreFiles::StoreFiles(const SqliteOptions& options)
       gatePath(path + ".gate"),
       access(options.access) {}
 
+mode_t StoreFiles::fileMode() const {
+    return access == Access::group ? 0660 : 0600;
+}
+
 bool StoreFiles::exist() const {
     if (isThere(path)) {
         isThere(log());
         isThere(index());
         isThere(gate());
-        return true;
+        return !isEmptyFile(path) || isRemembered();
     }
     if (isRemembered()) {
         throw StoreError("The event store '" + path +
@@ -170,11 +180,11 @@ void StoreFiles::requirePlace() const {
 void StoreFiles::makePlace() const {
     requirePlace();
     makeFolders(fs::path(path).parent_path(), access);
-    makeFile(gate(), access);
+    makeFile(gate(), fileMode());
 }
 
 void StoreFiles::makeDatabase() const {
-    makeFile(path, access);
+    makeFile(path, fileMode());
 }
 
 // SQLite's own order: an index without a log would mean that one was removed.
@@ -185,10 +195,15 @@ void StoreFiles::removeLogAndIndex() const noexcept {
 
 void StoreFiles::rememberInGate() const {
     const File file(::open(gate().c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW));
-    const auto length = static_cast<ssize_t>(std::strlen(remembered));
-    if (file.get() < 0 || ::pwrite(file.get(), remembered,
-                                   std::strlen(remembered), 0) != length) {
+    const std::size_t length = std::strlen(remembered);
+    const ssize_t written =
+        file.get() < 0 ? -1 : ::pwrite(file.get(), remembered, length, 0);
+    if (written < 0) {
         throw notMade("gate", gate(), errno);
+    }
+    // A write that falls short sets no errno.
+    if (static_cast<std::size_t>(written) < length) {
+        throw notMade("gate", gate(), ENOSPC);
     }
 }
 

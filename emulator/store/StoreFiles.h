@@ -39,8 +39,12 @@ public:
     const std::string& index() const { return indexPath; }
     const std::string& gate() const { return gatePath; }
 
-    // False if there is no store. Refuses a file that cannot be one, and a
-    // store that was there once and has vanished.
+    // The rights of a file that is made.
+    mode_t fileMode() const;
+
+    // False if there is no store: neither file nor memory of one, or an empty
+    // file that was none before. Refuses a file that cannot be one, and a store
+    // that was there once and has vanished.
     bool exist() const;
 
     // Refuses a place where no store could be made.

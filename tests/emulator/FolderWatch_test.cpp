@@ -53,6 +53,24 @@ TEST_F(FolderWatchTest, AFileThatGetsAnotherNameIsNoticed) {
     expectNoticed([this] { fs::rename(folder / "file", folder / "other"); });
 }
 
+TEST_F(FolderWatchTest, AFolderThatACopyOfTheSameTimeReplacesIsNoticed) {
+    const fs::path named = folder / "named";
+    const auto longAgo =
+        fs::file_time_type::clock::now() - std::chrono::minutes(1);
+    fs::create_directory(named);
+    fs::last_write_time(named, longAgo);
+    FolderWatch watch(named.string());
+    EXPECT_FALSE(watch.isUnchanged());
+    watch.accept();
+    EXPECT_TRUE(watch.isUnchanged());
+    fs::rename(named, folder / "moved");
+    fs::create_directory(named);
+    fs::last_write_time(named, longAgo);
+    EXPECT_FALSE(watch.isUnchanged());
+    watch.accept();
+    EXPECT_TRUE(watch.isUnchanged());
+}
+
 TEST_F(FolderWatchTest, WhatIsWrittenIntoAFileIsNoChangeOfNames) {
     FolderWatch watch((folder / "").string());
     EXPECT_FALSE(watch.isUnchanged());

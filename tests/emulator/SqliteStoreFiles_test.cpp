@@ -133,6 +133,37 @@ TEST_F(SqliteStoreFiles, AGroupMayUseAStoreIfTheUrlSaysSo) {
     EXPECT_EQ(rightsOf(folder.file("a/b")), 02770U);
 }
 
+TEST_F(SqliteStoreFiles, AGateThatIsMadeAgainHasTheRightsOfTheOtherFiles) {
+    for (const Access access : {Access::owner, Access::group}) {
+        const unsigned expected = access == Access::group ? 0660 : 0600;
+        options.path = folder.file(access == Access::group ? "g.db" : "o.db");
+        options.access = access;
+        ::umask(0777);
+        {
+            SqliteStore store(options);
+            registerBoth(store);
+            loseGate();
+            store.putEvents(pump, "one;");
+            EXPECT_EQ(rightsOf(options.path + ".gate"), expected);
+            loseGate();
+        }
+        EXPECT_EQ(rightsOf(options.path + ".gate"), expected)
+            << "made when the store was closed";
+        ::umask(0);
+        loseGate();
+        SqliteStore(options).putEvents(pump, "two;");
+        EXPECT_EQ(rightsOf(options.path + ".gate"), expected);
+        EXPECT_EQ(pending(), "one;two;");
+    }
+}
+
+TEST_F(SqliteStoreFiles, AGateThatIsThereKeepsItsRights) {
+    { SqliteStore(options).registerClient(pump); }
+    ::chmod((options.path + ".gate").c_str(), 0640);
+    { SqliteStore(options).registerClient(valve); }
+    EXPECT_EQ(rightsOf(options.path + ".gate"), 0640U);
+}
+
 TEST_F(SqliteStoreFiles, TwoUsersOfAGroupShareAStore) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can be two users";
