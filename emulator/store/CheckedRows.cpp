@@ -104,7 +104,7 @@ void CheckedRows::takeNumber(Member& sender, std::size_t bytes) {
 }
 
 void CheckedRows::moveCursor(Member& client, std::int64_t upto) {
-    if (upto <= client.cursor) {
+    if (upto <= client.cursor || upto >= client.server.next) {
         return;
     }
     client.cursor = upto;

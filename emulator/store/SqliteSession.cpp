@@ -264,9 +264,9 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
     std::optional<Leftover> after;
     std::optional<Member> now = member(caller, notes.of(caller));
     if (now) {
-        const std::int64_t consumed = upto - now->cursor;
+        const std::int64_t before = now->cursor;
         rows->moveCursor(*now, upto);
-        after = trim(now->server.id, consumed, Look::here);
+        after = trim(now->server.id, now->cursor - before, Look::here);
     }
     write.commit();
     left = after;
