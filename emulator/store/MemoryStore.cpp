@@ -66,6 +66,7 @@ ClientList MemoryStore::putEvents(const Identity& caller,
             puts.takeBack();
             throw;
         }
+        puts.forgetOld();
     }
     return clients;
 }
