@@ -230,12 +230,26 @@ TEST_F(SqliteStoreTest, ADamagedStoreIsReported) {
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
                   "' is damaged or not a store (database disk image is "
-                  "malformed). Move the file away, or set OVMEM_STORE to "
+                  "malformed). Check the disk. Put a copy of the store back, "
+                  "or move the file and its gate away to begin with an empty "
+                  "one. If the file is something else, set OVMEM_STORE to "
                   "another one.");
 }
 
 TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
     SQLite::Database(options.path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+TEST_F(SqliteStoreTest, AFileThatWasMovedAwayWithItsGateMakesRoomForANewOne) {
+    SqliteStore(options).registerClient(pump);
+    std::ofstream(options.path) << std::string(8192, 'x');
+    EXPECT_NE(refusalToOpen(), "no refusal");
+    for (const char* part : {"", ".gate"}) {
+        std::filesystem::rename(options.path + part,
+                                folder.file("away") + part);
+    }
+    EXPECT_EQ(refusalToOpen(), "no refusal");
+    EXPECT_NE(SqliteStore(options).registerClient(pump), nullptr);
+}
+
         .exec("CREATE TABLE stock (item)");
     EXPECT_EQ(refusalToOpen(),
               "The file '" + options.path +

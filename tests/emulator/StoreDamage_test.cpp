@@ -216,6 +216,8 @@ TEST_F(StoreDamage, ANumberThatIsTakenAlreadyIsDamage) {
     EXPECT_EQ(refusal([](SqliteStore& store) { store.putEvents(valve, "4"); }),
               "The event store '" + options.path +
                   "' is damaged or not a store (UNIQUE constraint failed: "
-                  "event.server, event.number). Move the file away, or set "
+                  "event.server, event.number). Check the disk. Put a copy of "
+                  "the store back, or move the file and its gate away to begin "
+                  "with an empty one. If the file is something else, set "
                   "OVMEM_STORE to another one.");
 }

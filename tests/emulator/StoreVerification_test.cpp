@@ -107,8 +107,11 @@ TEST_F(StoreVerification, RefusesAFileThatIsNoDatabase) {
     std::ofstream(options.path) << std::string(8192, 'x');
     EXPECT_EQ(refusal(), "The event store '" + options.path +
                              "' is damaged or not a store (file is not a "
-                             "database). Move the file away, or set "
-                             "OVMEM_STORE to another one.");
+                             "database). Check the disk. Put a copy of the "
+                             "store back, or move the file and its gate away "
+                             "to begin with an empty one. If the file is "
+                             "something else, set OVMEM_STORE to another "
+                             "one.");
 }
 
 TEST_F(StoreVerification, FindsATableOfAnotherProgram) {
