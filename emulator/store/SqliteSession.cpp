@@ -423,13 +423,14 @@ void SqliteSession::addEvent(Member& sender, std::string_view events) {
     const ServerRow& server = sender.server;
     if (room) {
         rows->stepOverOwn(sender);
-        room->require({server.id, server.next, server.bytes}, events.size());
+        room->require(sender, events.size());
     }
-    const std::int64_t origin =
-        originChecksum(server.id, server.next, sender.who.clientId);
-    SqliteRun(statements->addEvent, server.id, server.next, sender.who.clientId,
-              origin, eventChecksum(origin, events), server.bytes, secondsNow(),
-              events)
+    const EventOrigin origin{server.id, server.next, sender.who.clientId,
+                             server.bytes, secondsNow()};
+    const std::int64_t checksum = originChecksum(origin);
+    SqliteRun(statements->addEvent, origin.server, origin.number, origin.sender,
+              checksum, eventChecksum(checksum, events), origin.start,
+              origin.time, events)
         .exec();
     rows->takeNumber(sender, events.size());
     rows->stepOverOwn(sender);

@@ -162,7 +162,8 @@ private:
     void checkEvents(const Server& server) {
         SQLite::Statement all(
             database,
-            "SELECT number, sender, origin, checksum, body FROM event "
+            "SELECT number, sender, origin, checksum, start, time, body "
+            "FROM event "
             "WHERE server = ?1 ORDER BY number");
         SqliteRun run(all, server.row.id);
         std::int64_t count = 0;
@@ -189,10 +190,10 @@ private:
     void checkEvent(const Server& server, std::int64_t number,
                     const SqliteRun& run) {
         const std::string_view sender = run.bytes(1);
-        const std::int64_t origin =
-            originChecksum(server.row.id, number, sender);
+        const std::int64_t origin = originChecksum(
+            {server.row.id, number, sender, run.integer(4), run.integer(5)});
         if (run.integer(2) != origin ||
-            run.integer(3) != eventChecksum(origin, run.bytes(4))) {
+            run.integer(3) != eventChecksum(origin, run.bytes(6))) {
             add("Event " + std::to_string(number) + " of " +
                 server.shownName() + ", put by " + shown(sender) +
                 ", is not what was put.");

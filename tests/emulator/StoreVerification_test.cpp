@@ -226,9 +226,15 @@ TEST_F(StoreVerification, FindsAClientThatIsMissing) {
 
 TEST_F(StoreVerification, FindsEveryEventThatWasAltered) {
     alter("UPDATE event SET body = x'37' WHERE number = 4");
+    alter("UPDATE event SET start = start + 1 WHERE number = 3");
+    alter("UPDATE event SET time = time - 1 WHERE number = 5");
     alter("UPDATE event SET sender = x'76616C7665' WHERE number = 6");
     EXPECT_THAT(findings(),
-                ElementsAre("Event 4 of the server 'plant', put by 'pump', is "
+                ElementsAre("Event 3 of the server 'plant', put by 'pump', is "
+                            "not what was put.",
+                            "Event 4 of the server 'plant', put by 'pump', is "
+                            "not what was put.",
+                            "Event 5 of the server 'plant', put by 'pump', is "
                             "not what was put.",
                             "Event 6 of the server 'plant', put by 'valve', "
                             "is not what was put."));
