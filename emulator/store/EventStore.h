@@ -17,6 +17,8 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 struct Identity {
     std::string serverId;
     std::string clientId;
+
+    bool operator==(const Identity&) const = default;
 };
 
 // The clients of one server, ascending by bytes. As long as nobody comes or
