@@ -89,8 +89,14 @@ std::string adviceFor(const ErrorReport& report, const Progress& progress) {
     const bool puts = progress.command == Command::Put ||
                       progress.command == Command::RescuePutBack;
     if (puts && leavesDoubt(report)) {
-        return "Unless the text says otherwise, the events may have arrived. "
-               "If you put them again, they may arrive twice.";
+        return std::string(
+                   "Unless the text says otherwise, the events may have "
+                   "arrived. ") +
+               (progress.sendsId
+                    ? "If you run the same command again, they arrive twice "
+                      "only where the service does not store a repeated put "
+                      "once."
+                    : "If you put them again, they may arrive twice.");
     }
     return generalAdvice(report);
 }

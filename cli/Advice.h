@@ -10,6 +10,7 @@ namespace ovmem::cli {
 struct Progress {
     Command command = Command::Status;
     bool namesServer = false;  // an identity was given
+    bool sendsId = false;      // by which a repeated put is known
     bool registered = false;   // the service has it; the command came next
 };
 

@@ -59,6 +59,8 @@ Session::Session(const Options& asked, const Reporter& voice, Progress& reached)
     : options(asked), reporter(voice), progress(reached) {
     progress.command = options.command;
     progress.namesServer = options.server.has_value();
+    progress.sendsId =
+        options.id.has_value() || options.command == Command::RescuePutBack;
 }
 
 ExitCode Session::run() {

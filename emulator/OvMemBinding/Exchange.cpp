@@ -77,8 +77,7 @@ std::int32_t Exchange::receive(EventManager& manager, char* buffer) {
             return sendBody;
         case State::bodySent:
             if (doubt && request.view().empty()) {
-                header = std::move(doubt->header);
-                request = std::move(doubt->body);
+                settleDoubt();
             } else if (takeLastPartAsHeaderBlock()) {
                 return sendBody;
             }
@@ -155,6 +154,17 @@ bool Exchange::takeLastPartAsHeaderBlock() {
     doubt = Doubt{std::exchange(header, std::move(next)), std::move(request)};
     beginBody();
     return true;
+}
+
+// Without a body. A client that puts nothing has none to send, and is likelier
+// than one whose events end in the header block of a put of its own.
+void Exchange::settleDoubt() noexcept {
+    if (header.operation != Operation::putEvents ||
+        header.caller != doubt->header.caller) {
+        header = std::move(doubt->header);
+        request = std::move(doubt->body);
+    }
+    doubt.reset();
 }
 
 // What the client heard is that its last get succeeded.

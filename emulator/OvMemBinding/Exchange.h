@@ -35,7 +35,9 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // last part of a body is a whole header block, receive answers 19 once more: a
 // client that began a new request sends the body of that one, and what came
 // before is forgotten; a client whose body just ends like that has nothing more
-// to send, and its request is done as it stands.
+// to send, and its request is done as it stands. But a header block of a put of
+// the same client begins a new request in any case, since a put may have no
+// body.
 //
 // What a client got and could not be taken out of its queue is tried again with
 // the next request; if that fails, too, the next request is refused, so that
@@ -98,6 +100,7 @@ private:
     // Then that part is the header block of the exchange from now on, and what
     // it was until now is in doubt.
     bool takeLastPartAsHeaderBlock();
+    void settleDoubt() noexcept;
     void settle(EventManager& manager);
     void append(std::string_view text, std::size_t limit, const char* what);
     void startReply(EventManager& manager, std::string_view body);

@@ -21,15 +21,14 @@ HostBlocks::HostBlocks(OvMemAllocate allocateBlock, OvMemRelease releaseBlock,
 }
 
 void* HostBlocks::take(std::size_t size) {
-    void* room = allocate(sizeof(Link) + size);
-    if (!room) {
-        return nullptr;
-    }
     if (!lock.tryLockFor(limit)) {
-        release(room);
         return nullptr;
     }
     const std::lock_guard held(lock, std::adopt_lock);
+    void* room = closed ? nullptr : allocate(sizeof(Link) + size);
+    if (!room) {
+        return nullptr;
+    }
     auto* link = new (room) Link{first.previous, &first};
     link->previous->next = link;
     link->next->previous = link;

@@ -23,7 +23,7 @@ public:
     HostBlocks& operator=(const HostBlocks&) = delete;
     ~HostBlocks() = default;  // what was not given back is left
 
-    // Null when the application has no memory.
+    // Null when the application has no memory, and after the last end.
     void* take(std::size_t size);
 
     // Does nothing for a block that went back with all the others.
@@ -32,7 +32,8 @@ public:
     void giveAllBack() noexcept;
 
     // Leaves everything as it is from now on: at the end of the process the
-    // application's heap may be gone.
+    // application's heap may be gone, and a call that does not end may still
+    // use its blocks.
     void leaveAll() noexcept;
 
 private:

@@ -106,21 +106,27 @@ void Transport::stop() {
             last = std::move(current);
         }
     }
-    if (last) {
-        waitForUsers(*last);
+    if (!last) {
+        return;
+    }
+    if (awaitUsers(*last)) {
         last->heap.blocks->giveAllBack();
+    } else {
+        last->heap.blocks->leaveAll();
     }
 }
 
-// No call begins any more, and each ends soon.
-void Transport::waitForUsers(const Session& session) {
-    const auto deadline = std::chrono::steady_clock::now() + forkLimit;
+// No call begins any more, and each ends soon, unless the disk is slow.
+bool Transport::awaitUsers(const Session& session) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
         {
             const Lock lock(mutex);
-            if (session.users == 0 ||
-                std::chrono::steady_clock::now() >= deadline) {
-                return;
+            if (session.users == 0) {
+                return true;
+            }
+            if (std::chrono::steady_clock::now() >= deadline) {
+                return false;
             }
         }
         std::this_thread::sleep_for(1ms);

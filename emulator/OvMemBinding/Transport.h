@@ -1,6 +1,7 @@
 #ifndef EMULATOR_OVMEMBINDING_TRANSPORT_H
 #define EMULATOR_OVMEMBINDING_TRANSPORT_H
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 
@@ -45,7 +46,10 @@ public:
     // use it until the very end.
     static Transport& instance() noexcept;
 
-    Transport() = default;
+    // `usersLimit`: how long the last end waits for calls in progress.
+    explicit Transport(
+        std::chrono::milliseconds usersLimit = std::chrono::seconds(11))
+        : patience(usersLimit) {}
     Transport(const Transport&) = delete;
     Transport& operator=(const Transport&) = delete;
 
@@ -56,7 +60,9 @@ public:
     void start(OvMemAllocate allocate, OvMemRelease release);
 
     // At the last end, closes the store and gives everything back to the
-    // application's heap. More ends than starts do nothing.
+    // application's heap. If a call takes too long, what it may use stays: the
+    // heap is left as it is, and the store is closed after the call. More ends
+    // than starts do nothing.
     //
     // THROWS: StoreError when a fork of this process keeps everybody waiting.
     void stop();
@@ -70,8 +76,10 @@ public:
 private:
     class Lock;
 
-    void waitForUsers(const Session& session);
+    // False if there are still some when time is up.
+    bool awaitUsers(const Session& session);
 
+    const std::chrono::milliseconds patience;
     ForkLock mutex;
     std::size_t starts = 0;
     std::shared_ptr<Session> current;  // null when there is no start

@@ -31,6 +31,12 @@ void append(std::string& text, std::string_view body, std::size_t portion) {
     text += body;
 }
 
+// Of a row of the statement `pending`.
+std::int64_t originOf(std::int64_t server, const SqliteRun& run) {
+    return originChecksum(
+        {server, run.integer(0), run.bytes(1), run.integer(4), run.integer(5)});
+}
+
 }  // namespace
 
 std::optional<Member> CheckedRows::member(const Identity& who) {
@@ -104,7 +110,7 @@ void CheckedRows::takeNumber(Member& sender, std::size_t bytes) {
 }
 
 void CheckedRows::moveCursor(Member& client, std::int64_t upto) {
-    if (upto <= client.cursor) {
+    if (upto <= client.cursor || upto >= client.server.next) {
         return;
     }
     client.cursor = upto;
@@ -134,13 +140,12 @@ PendingEvents CheckedRows::pending(const Member& client, std::size_t portion) {
             throw missingEvent(path, client.who.serverId, number);
         }
         const std::string_view sender = run.bytes(1);
-        const std::int64_t origin =
-            originChecksum(client.server.id, number, sender);
+        const std::int64_t origin = originOf(client.server.id, run);
         if (run.integer(2) != origin) {
             throw damagedEvent(path, number);
         }
         if (sender != client.who.clientId) {
-            const std::string_view body = run.bytes(4);
+            const std::string_view body = run.bytes(6);
             if (!events.text.empty() &&
                 events.text.size() + body.size() > portion) {
                 return events;
@@ -199,7 +204,7 @@ std::int64_t CheckedRows::lastOwn(const Member& client) {
     std::int64_t last = client.cursor;
     SqliteRun run(statements.pending, server, last);
     while (run.step() && run.integer(0) == last + 1 && run.bytes(1) == name &&
-           run.integer(2) == originChecksum(server, last + 1, name)) {
+           run.integer(2) == originOf(server, run)) {
         ++last;
     }
     return last;

@@ -46,7 +46,8 @@ public:
     // The number of the next event is in use now, by one of so many bytes.
     void takeNumber(Member& sender, std::size_t bytes);
 
-    // Never goes back.
+    // Never back, and never beyond the last event: the store that the number is
+    // from may have been replaced by a younger one.
     void moveCursor(Member& client, std::int64_t upto);
 
     // Moves the cursor of a sender over what follows and is its own. Stops at

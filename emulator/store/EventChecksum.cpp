@@ -4,9 +4,14 @@
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
-std::int64_t originChecksum(std::int64_t server, std::int64_t number,
-                            std::string_view sender) {
-    return Checksum(0).add(server).add(number).add(sender).value();
+std::int64_t originChecksum(const EventOrigin& origin) {
+    return Checksum(0)
+        .add(origin.server)
+        .add(origin.number)
+        .add(origin.sender)
+        .add(origin.start)
+        .add(origin.time)
+        .value();
 }
 
 std::int64_t eventChecksum(std::int64_t origin, std::string_view body) {

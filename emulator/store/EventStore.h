@@ -17,6 +17,8 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 struct Identity {
     std::string serverId;
     std::string clientId;
+
+    bool operator==(const Identity&) const = default;
 };
 
 // The clients of one server, ascending by bytes. As long as nobody comes or
@@ -101,7 +103,8 @@ public:
     virtual std::optional<PendingEvents> getEvents(const Identity& caller) = 0;
 
     // Takes everything up to the number `upto` out of the caller's queue. A
-    // number already passed, or a caller no longer registered, changes nothing.
+    // number already passed or not yet taken, or a caller no longer registered,
+    // changes nothing.
     virtual void consume(const Identity& caller, std::int64_t upto) = 0;
 };
 

@@ -66,6 +66,7 @@ ClientList MemoryStore::putEvents(const Identity& caller,
             puts.takeBack();
             throw;
         }
+        puts.forgetOld();
     }
     return clients;
 }
@@ -187,7 +188,7 @@ void MemoryStore::Server::remove(const std::string& clientId) {
 void MemoryStore::Server::moveCursor(const std::string& clientId,
                                      std::int64_t upto) {
     std::int64_t& cursor = cursors.at(clientId);
-    if (cursor < upto) {
+    if (cursor < upto && upto < next) {
         auto position = positions.extract({cursor, clientId});
         position.value().first = upto;
         positions.insert(std::move(position));

@@ -11,7 +11,10 @@ bool RecentPuts::contains(const PutMark& mark) const {
 
 void RecentPuts::add(PutMark mark) {
     marks.push_back(std::move(mark));
-    if (marks.size() > rememberedPuts) {
+}
+
+void RecentPuts::forgetOld() noexcept {
+    while (marks.size() > rememberedPuts) {
         marks.pop_front();
     }
 }

@@ -32,9 +32,12 @@ class RecentPuts {
 public:
     bool contains(const PutMark& mark) const;
 
-    // Forgets the oldest one if they are too many. If that throws, nothing has
-    // changed.
+    // Before the put, since it may lack memory; nothing has changed then. One
+    // of the next two comes afterwards.
     void add(PutMark mark);
+
+    // The put was stored, so the oldest one goes if they are too many.
+    void forgetOld() noexcept;
 
     // The last one was not put after all.
     void takeBack() noexcept { marks.pop_back(); }

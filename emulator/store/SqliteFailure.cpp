@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "emulator/store/LockHolder.h"
+#include "emulator/store/StoreDamage.h"
 #include "emulator/store/StoreError.h"
 #include "emulator/store/SystemAdvice.h"
 
@@ -72,8 +73,9 @@ void throwSqliteFailure(const SQLite::Exception& error, const std::string& path,
         case SQLITE_CORRUPT:
         case SQLITE_CONSTRAINT:
             throw StoreError(store + "is damaged or not a store" + reason +
-                             "Move the file away, or set OVMEM_STORE to "
-                             "another one.");
+                             replaceStore +
+                             " If the file is something else, set OVMEM_STORE "
+                             "to another one.");
         case SQLITE_FULL:
             throw StoreError(store + "has no room left" + reason + freeSpace);
         default:

@@ -24,7 +24,7 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 namespace {
 
 constexpr int applicationId = 0x4F764D45;  // "OvME"
-constexpr int schemaVersion = 3;
+constexpr int schemaVersion = 4;
 
 constexpr std::uintmax_t largestLog = 4 * 1024 * 1024;  // bytes
 constexpr std::chrono::seconds cutLimit{1};

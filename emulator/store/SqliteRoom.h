@@ -2,7 +2,6 @@
 #define EMULATOR_STORE_SQLITEROOM_H
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -11,19 +10,15 @@
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
+struct Member;
+
 // Holds the puts of a session to the limits of its store. Each look costs the
-// same however much is queued.
+// same however much is queued, and believes no row that is not what was
+// written.
 //
-// THROWS: SQLite::Exception.
+// THROWS: StoreError for damage, SQLite::Exception.
 class SqliteRoom {
 public:
-    // Where a server stands before a put.
-    struct Position {
-        std::int64_t server = 0;
-        std::int64_t next = 0;   // number of the next event
-        std::int64_t bytes = 0;  // of all events so far
-    };
-
     SqliteRoom(SQLite::Database& database, std::string path,
                const QueueLimits& queueLimits);
 
@@ -31,10 +26,10 @@ public:
     // after it.
     //
     // THROWS: QueueLimitPassed.
-    void require(const Position& position, std::size_t bytes);
+    void require(const Member& sender, std::size_t bytes);
 
 private:
-    Backlog backlog(const Position& position);
+    Backlog backlog(const Member& sender);
 
     const std::string path;
     const QueueLimits limits;

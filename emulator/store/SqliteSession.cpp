@@ -44,8 +44,7 @@ constexpr std::int64_t tidiedForOthers = 20000;
 
 constexpr std::size_t cachedLists = 256;
 
-// How long the end of a session that has something to save may wait at the
-// gate.
+// How long a session that ends with something to save waits at the gate.
 constexpr std::chrono::seconds endLimit{1};
 
 }  // namespace
@@ -290,9 +289,9 @@ void SqliteSession::consume(const Identity& caller, std::int64_t upto) {
     std::optional<Leftover> after;
     std::optional<Member> now = member(caller, notes.of(caller));
     if (now) {
-        const std::int64_t consumed = upto - now->cursor;
+        const std::int64_t before = now->cursor;
         rows->moveCursor(*now, upto);
-        after = trim(now->server.id, consumed, Look::here);
+        after = trim(now->server.id, now->cursor - before, Look::here);
     }
     write.commit();
     left = after;
@@ -458,13 +457,14 @@ void SqliteSession::addEvent(Member& sender, std::string_view events) {
     const ServerRow& server = sender.server;
     if (room) {
         rows->stepOverOwn(sender);
-        room->require({server.id, server.next, server.bytes}, events.size());
+        room->require(sender, events.size());
     }
-    const std::int64_t origin =
-        originChecksum(server.id, server.next, sender.who.clientId);
-    SqliteRun(statements->addEvent, server.id, server.next, sender.who.clientId,
-              origin, eventChecksum(origin, events), server.bytes, secondsNow(),
-              events)
+    const EventOrigin origin{server.id, server.next, sender.who.clientId,
+                             server.bytes, secondsNow()};
+    const std::int64_t checksum = originChecksum(origin);
+    SqliteRun(statements->addEvent, origin.server, origin.number, origin.sender,
+              checksum, eventChecksum(checksum, events), origin.start,
+              origin.time, events)
         .exec();
     rows->takeNumber(sender, events.size());
     rows->stepOverOwn(sender);

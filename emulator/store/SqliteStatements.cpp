@@ -42,7 +42,8 @@ SqliteStatements::SqliteStatements(SQLite::Database& database)
                     "SELECT 1 FROM client INDEXED BY client_cursor "
                     "WHERE server = ?1 AND cursor = ?2 AND name = ?3"),
       pending(database,
-              "SELECT number, sender, origin, checksum, body FROM event "
+              "SELECT number, sender, origin, checksum, start, time, body "
+              "FROM event "
               "WHERE server = ?1 AND number > ?2 ORDER BY number") {}
 
 std::int64_t SqliteRun::integer(int column) const {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <new>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -73,10 +73,7 @@ auto SqliteStore::use(Work work, IfAbsent ifAbsent) {
                                  "' are being replaced. Repeat the call when "
                                  "that is over.");
             }
-        } catch (const QueueLimitPassed&) {
-            dropIfStuck();
-            throw;
-        } catch (const std::bad_alloc&) {
+        } catch (const std::exception&) {  // a refusal, damage, or no memory
             dropIfStuck();
             throw;
         }

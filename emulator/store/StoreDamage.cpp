@@ -12,9 +12,8 @@ constexpr const char* withoutQueue =
 
 StoreError damaged(const std::string& path, const std::string& what) {
     return StoreError("What the event store '" + path + "' keeps of " + what +
-                      " is not what was written: the file is damaged. Check "
-                      "the disk. Put a copy of the store back, or move the "
-                      "file and its gate away to begin with an empty one.");
+                      " is not what was written: the file is damaged. " +
+                      replaceStore);
 }
 
 }  // namespace

@@ -9,6 +9,10 @@
 
 namespace Orvane::Net::OvModelEventManager::Emulator {
 
+inline constexpr const char* replaceStore =
+    "Check the disk. Put a copy of the store back, or move the file and its "
+    "gate away to begin with an empty one.";
+
 // What the store in the file `path` says of a part of it that is not what was
 // written.
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -30,6 +31,15 @@ struct Server {
 
     std::string shownName() const { return "the server " + shown(name); }
 };
+
+// Neighbours of a number that may be any, since it was not written here.
+std::int64_t before(std::int64_t number) {
+    return std::max(number, std::numeric_limits<std::int64_t>::min() + 1) - 1;
+}
+
+std::int64_t after(std::int64_t number) {
+    return std::min(number, std::numeric_limits<std::int64_t>::max() - 1) + 1;
+}
 
 std::string events(std::int64_t first, std::int64_t last) {
     if (first == last) {
@@ -132,7 +142,7 @@ private:
             if (cursor < 0 || cursor >= server.row.next) {
                 add("The cursor of " + who + " is at event " +
                     std::to_string(cursor) + ", but the last one is event " +
-                    std::to_string(server.row.next - 1) + ".");
+                    std::to_string(before(server.row.next)) + ".");
             }
             members = plus(members, memberMark(name));
             server.lowestCursor = server.clients == 0
@@ -152,18 +162,19 @@ private:
     void checkEvents(const Server& server) {
         SQLite::Statement all(
             database,
-            "SELECT number, sender, origin, checksum, body FROM event "
+            "SELECT number, sender, origin, checksum, start, time, body "
+            "FROM event "
             "WHERE server = ?1 ORDER BY number");
         SqliteRun run(all, server.row.id);
         std::int64_t count = 0;
-        std::int64_t expected = server.lowestCursor + 1;
+        std::int64_t expected = after(server.lowestCursor);
         while (run.step()) {
             const std::int64_t number = run.integer(0);
             checkEvent(server, number, run);
             if (count > 0 || server.clients > 0) {
                 checkGap(server, expected, number);
             }
-            expected = std::max(number + 1, expected);
+            expected = std::max(after(number), expected);
             ++count;
         }
         if (server.clients > 0) {
@@ -179,10 +190,10 @@ private:
     void checkEvent(const Server& server, std::int64_t number,
                     const SqliteRun& run) {
         const std::string_view sender = run.bytes(1);
-        const std::int64_t origin =
-            originChecksum(server.row.id, number, sender);
+        const std::int64_t origin = originChecksum(
+            {server.row.id, number, sender, run.integer(4), run.integer(5)});
         if (run.integer(2) != origin ||
-            run.integer(3) != eventChecksum(origin, run.bytes(4))) {
+            run.integer(3) != eventChecksum(origin, run.bytes(6))) {
             add("Event " + std::to_string(number) + " of " +
                 server.shownName() + ", put by " + shown(sender) +
                 ", is not what was put.");
@@ -191,7 +202,7 @@ private:
             add("Event " + std::to_string(number) + " of " +
                 server.shownName() + ", put by " + shown(sender) +
                 ", cannot be: the last one is event " +
-                std::to_string(server.row.next - 1) + ".");
+                std::to_string(before(server.row.next)) + ".");
         }
     }
 

@@ -28,7 +28,7 @@ ErrorReport report(ExitCode exitCode, std::optional<int> type = std::nullopt,
 }
 
 Progress reached(Command command, bool namesServer, bool registered) {
-    return {command, namesServer, registered};
+    return {command, namesServer, false, registered};
 }
 
 std::string adviceOn(ErrorReport failure, const Progress& progress) {
@@ -86,6 +86,18 @@ TEST(Advice, EventsMayHaveArrivedWhenAPutFailsInDoubt) {
     for (const ExitCode exitCode : {ExitCode::InputOutput, ExitCode::Usage}) {
         EXPECT_EQ(adviceOn(report(exitCode), reached(Command::Put, true, true)),
                   OWN);
+    }
+}
+
+TEST(Advice, APutWithAnIdArrivesTwiceOnlyWhereTheServiceDoesNotKnowIt) {
+    for (const Command command : {Command::Put, Command::RescuePutBack}) {
+        Progress progress = reached(command, true, true);
+        progress.sendsId = true;
+        EXPECT_EQ(
+            adviceOn(report(ExitCode::ConnectionException, 0), progress),
+            "Unless the text says otherwise, the events may have arrived. If "
+            "you run the same command again, they arrive twice only where the "
+            "service does not store a repeated put once.");
     }
 }
 

@@ -112,6 +112,14 @@ TEST_F(Failures, OfAPutSayThatTheEventsMayHaveArrived) {
                   "OvMEMConnectionException (0): Gone.",
                   "Unless the text says otherwise, the events may have "
                   "arrived. If you put them again, they may arrive twice.");
+    script(exchange("<r/>") + failingExchange(-3001, "Gone."));
+    EXPECT_EQ(as("pump").run({"put", "--id", "run 1"}),
+              (Outcome{2, "",
+                       "ovmem: OvMEMConnectionException (0): Gone.\n"
+                       "ovmem: Unless the text says otherwise, the events may "
+                       "have arrived. If you run the same command again, they "
+                       "arrive twice only where the service does not store a "
+                       "repeated put once.\n"}));
     expectFailure(exchange("<r/>") + exchange("<r><other/></r>"), "put", 7,
                   "DomException: Unexpected node name: other",
                   "Check that it is a Model Event Manager that answers; the "

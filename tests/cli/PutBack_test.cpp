@@ -174,8 +174,9 @@ TEST_F(PutBack, AFileThatTheServiceDidNotAcceptStays) {
               (Outcome{2, "",
                        "ovmem: OvMEMConnectionException (0): Gone.\n"
                        "ovmem: Unless the text says otherwise, the events may "
-                       "have arrived. If you put them again, they may arrive "
-                       "twice.\n"}));
+                       "have arrived. If you run the same command again, they "
+                       "arrive twice only where the service does not store a "
+                       "repeated put once.\n"}));
     EXPECT_EQ(savedFiles().size(), 2u);
 }
 

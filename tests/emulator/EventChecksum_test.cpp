@@ -9,20 +9,26 @@
 using namespace Orvane::Net::OvModelEventManager::Emulator;
 
 TEST(EventChecksum, ItIsTheSameForTheSameEvent) {
-    EXPECT_EQ(originChecksum(1, 2, "pump"),
-              originChecksum(1, 2, std::string("pump")));
+    EXPECT_EQ(originChecksum({1, 2, "pump", 3, 4}),
+              originChecksum({1, 2, std::string("pump"), 3, 4}));
     EXPECT_EQ(eventChecksum(5, "events"),
               eventChecksum(5, std::string("events")));
 }
 
-TEST(EventChecksum, PlaceAndSenderCount) {
+TEST(EventChecksum, PlaceSenderStartAndTimeCount) {
     const std::set<std::int64_t> checksums{
-        originChecksum(1, 2, "pump"), originChecksum(2, 2, "pump"),
-        originChecksum(1, 3, "pump"), originChecksum(2, 1, "pump"),
-        originChecksum(1, 2, "pumq"), originChecksum(1, 2, ""),
-        originChecksum(0, 0, ""),
+        originChecksum({1, 2, "pump", 3, 4}),
+        originChecksum({2, 2, "pump", 3, 4}),
+        originChecksum({1, 3, "pump", 3, 4}),
+        originChecksum({2, 1, "pump", 3, 4}),
+        originChecksum({1, 2, "pumq", 3, 4}),
+        originChecksum({1, 2, "", 3, 4}),
+        originChecksum({1, 2, "pump", 2, 4}),
+        originChecksum({1, 2, "pump", 3, 3}),
+        originChecksum({1, 2, "pump", 4, 3}),
+        originChecksum({0, 0, "", 0, 0}),
     };
-    EXPECT_EQ(checksums.size(), 7U);
+    EXPECT_EQ(checksums.size(), 10U);
     EXPECT_FALSE(checksums.contains(0));
 }
 

@@ -1,5 +1,7 @@
 #include "emulator/store/EventStore.h"
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -206,6 +208,20 @@ TYPED_TEST(EventStoreContract, ConsumeNeverGoesBack) {
     EXPECT_EQ(this->take("valve"), "onetwo");
     this->kind.store.consume({"plant", "valve"}, first->upto);
     EXPECT_EQ(this->pending("valve"), "");
+}
+
+// As after the store was replaced by a younger one.
+TYPED_TEST(EventStoreContract, ConsumeOfWhatWasNeverPutChangesNothing) {
+    this->join("pump");
+    this->join("valve");
+    this->put("pump", "1");
+    for (const std::int64_t upto :
+         {std::int64_t{2}, std::numeric_limits<std::int64_t>::max()}) {
+        this->kind.store.consume({"plant", "valve"}, upto);
+        EXPECT_EQ(this->pending("valve"), "1") << upto;
+    }
+    this->put("pump", "2");
+    EXPECT_EQ(this->take("valve"), "12");
 }
 
 TYPED_TEST(EventStoreContract, ConsumeByOneLeavesTheQueuesOfTheOthers) {

@@ -53,6 +53,15 @@ TEST_F(HostBlocksTest, AllGoBackAtOnceAndNoneASecondTime) {
     EXPECT_EQ(heap.calls(), calls);
 }
 
+TEST_F(HostBlocksTest, NoneIsTakenAfterAllWentBackOrWereLeft) {
+    blocks.giveAllBack();
+    EXPECT_EQ(blocks.take(1), nullptr);
+    HostBlocks left{&CountedHeap::allocate, &CountedHeap::release, lock};
+    left.leaveAll();
+    EXPECT_EQ(left.take(1), nullptr);
+    EXPECT_EQ(heap.calls(), 0U);
+}
+
 TEST_F(HostBlocksTest, WhatIsLeftStaysWithTheHost) {
     static void* block = blocks.take(1);  // no leak: it is known here
     blocks.leaveAll();

@@ -255,6 +255,34 @@ TEST_F(OvMemBinding, ABodyMayEndLikeARequestAndIsStillWhole) {
               reply(std::string(4098, 'x') + block));
 }
 
+TEST_F(OvMemBinding, ABodyThatWasGivenUpIsForgottenByAPutOfNothing) {
+    join({"pump", "valve"});
+    for (const std::vector<std::string>& parts :
+         {std::vector<std::string>{}, {"half"}, {"half", " of it"}}) {
+        beginPut("pump");
+        for (const std::string& part : parts) {
+            OvMem_SendNoAck(part.c_str());
+        }
+        EXPECT_EQ(request("putEvents", "plant", "pump"),
+                  reply(sharedClients({"valve"})));
+        EXPECT_EQ(request("getEvents", "plant", "valve"), reply(""));
+    }
+}
+
+TEST_F(OvMemBinding, ABodyMayEndLikeAPutOfAnotherClient) {
+    join({"pump", "valve"});
+    for (const std::string& block :
+         {headerBlock("putEvents", "plant", "valve"),
+          headerBlock("putEvents", "mill", "pump"),
+          headerBlock("getEvents", "plant", "pump")}) {
+        EXPECT_EQ(streamedExchange(headerBlock("putEvents", "plant", "pump"),
+                                   {"x", block}),
+                  reply(sharedClients({"valve"})));
+        OvMem_Complete();
+        EXPECT_EQ(request("getEvents", "plant", "valve"), reply("x" + block));
+    }
+}
+
 TEST_F(OvMemBinding, ABodyThatEndsLikeNoRequestIsNotAskedForAgain) {
     join({"pump", "valve"});
     beginPut("pump");

@@ -11,6 +11,7 @@
 #include "emulator/manager/SharedClientsReplies.h"
 #include "emulator/store/MemoryStore.h"
 #include "emulator/store/SqliteStore.h"
+#include "tests/emulator/SealedRows.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace Orvane::Net::OvModelEventManager::Emulator;
@@ -48,8 +49,9 @@ struct LimitsInSqlite {
 
     // Not much of it passes in the test itself: seconds are rounded down.
     void passTime(std::int64_t seconds) {
-        SQLite::Database(folder.file("events.db"), SQLite::OPEN_READWRITE)
-            .exec("UPDATE event SET time = time - " + std::to_string(seconds));
+        SQLite::Database file(folder.file("events.db"), SQLite::OPEN_READWRITE);
+        file.exec("UPDATE event SET time = time - " + std::to_string(seconds));
+        OvMemTest::sealRows(file);
     }
 };
 

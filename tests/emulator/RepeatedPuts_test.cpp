@@ -21,21 +21,24 @@ using OvMemTest::valve;
 namespace {
 
 struct PutsInMemory {
-    explicit PutsInMemory(bool dedupe) : store({.dedupe = dedupe}) {}
+    explicit PutsInMemory(bool dedupe, const QueueLimits& limits = {})
+        : store({.dedupe = dedupe, .limits = limits}) {}
     MemoryStore store;
 };
 
-SqliteOptions optionsFor(const std::string& path, bool dedupe) {
+SqliteOptions optionsFor(const std::string& path, bool dedupe,
+                         const QueueLimits& limits = {}) {
     SqliteOptions options;
     options.path = path;
     options.synchronous = Synchronous::normal;  // a thousand puts and more
     options.dedupe = dedupe;
+    options.limits = limits;
     return options;
 }
 
 struct PutsInSqlite {
-    explicit PutsInSqlite(bool dedupe)
-        : store(optionsFor(folder.file("events.db"), dedupe)) {}
+    explicit PutsInSqlite(bool dedupe, const QueueLimits& limits = {})
+        : store(optionsFor(folder.file("events.db"), dedupe, limits)) {}
     OvMemTest::TemporaryFolder folder;
     SqliteStore store;
 };
@@ -178,6 +181,26 @@ TYPED_TEST(RepeatedPuts, AreKnownForAThousandPuts) {
     EXPECT_EQ(take(this->store, valve), "x");
     this->store.putEvents(motor, "m", "0");
     EXPECT_EQ(take(this->store, valve), "");
+}
+
+TYPED_TEST(RepeatedPuts, AreKnownForAThousandPutsWithoutThoseThatWereRefused) {
+    QueueLimits limits;
+    limits.events = rememberedPuts;
+    TypeParam limited(true, limits);
+    limited.store.registerClient(pump);
+    limited.store.registerClient(valve);
+    for (std::size_t i = 0; i < rememberedPuts; ++i) {
+        limited.store.putEvents(pump, "x", std::to_string(i));
+    }
+    EXPECT_THROW(limited.store.putEvents(pump, "x", "refused"),
+                 QueueLimitPassed);
+    EXPECT_EQ(take(limited.store, valve), std::string(rememberedPuts, 'x'));
+    limited.store.putEvents(pump, "x", "0");
+    EXPECT_EQ(take(limited.store, valve), "");
+    limited.store.putEvents(pump, "x", "refused");
+    limited.store.putEvents(pump, "x", "1");
+    limited.store.putEvents(pump, "x", "0");
+    EXPECT_EQ(take(limited.store, valve), "xx");
 }
 
 TYPED_TEST(RepeatedPuts, MayHaveAnyBytesInTheirCorrelation) {

@@ -14,16 +14,19 @@ namespace {
 
 void sealEvents(SQLite::Database& store) {
     SQLite::Statement events(
-        store, "SELECT rowid, server, number, sender, body FROM event");
+        store,
+        "SELECT rowid, server, number, sender, start, time, body FROM event");
     SQLite::Statement seal(
         store, "UPDATE event SET origin = ?2, checksum = ?3 WHERE rowid = ?1");
     while (events.executeStep()) {
+        const std::string sender = events.getColumn(3).getString();
         const std::int64_t origin = originChecksum(
-            events.getColumn(1).getInt64(), events.getColumn(2).getInt64(),
-            events.getColumn(3).getString());
+            {events.getColumn(1).getInt64(), events.getColumn(2).getInt64(),
+             sender, events.getColumn(4).getInt64(),
+             events.getColumn(5).getInt64()});
         seal.bind(1, events.getColumn(0).getInt64());
         seal.bind(2, origin);
-        seal.bind(3, eventChecksum(origin, events.getColumn(4).getString()));
+        seal.bind(3, eventChecksum(origin, events.getColumn(6).getString()));
         seal.exec();
         seal.reset();
     }

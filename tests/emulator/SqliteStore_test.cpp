@@ -212,8 +212,10 @@ TEST_F(SqliteStoreTest, AFileThatIsNoDatabaseIsRefusedAndLeftAlone) {
     std::ofstream(options.path) << content;
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
-                  "' is damaged or not a store (file is not a database). Move "
-                  "the file away, or set OVMEM_STORE to another one.");
+                  "' is damaged or not a store (file is not a database). Check "
+                  "the disk. Put a copy of the store back, or move the file "
+                  "and its gate away to begin with an empty one. If the file "
+                  "is something else, set OVMEM_STORE to another one.");
     std::ifstream file(options.path);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), content);
 }
@@ -230,8 +232,22 @@ TEST_F(SqliteStoreTest, ADamagedStoreIsReported) {
     EXPECT_EQ(refusalToOpen(),
               "The event store '" + options.path +
                   "' is damaged or not a store (database disk image is "
-                  "malformed). Move the file away, or set OVMEM_STORE to "
+                  "malformed). Check the disk. Put a copy of the store back, "
+                  "or move the file and its gate away to begin with an empty "
+                  "one. If the file is something else, set OVMEM_STORE to "
                   "another one.");
+}
+
+TEST_F(SqliteStoreTest, AFileThatWasMovedAwayWithItsGateMakesRoomForANewOne) {
+    SqliteStore(options).registerClient(pump);
+    std::ofstream(options.path) << std::string(8192, 'x');
+    EXPECT_NE(refusalToOpen(), "no refusal");
+    for (const char* part : {"", ".gate"}) {
+        std::filesystem::rename(options.path + part,
+                                folder.file("away") + part);
+    }
+    EXPECT_EQ(refusalToOpen(), "no refusal");
+    EXPECT_NE(SqliteStore(options).registerClient(pump), nullptr);
 }
 
 TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
@@ -246,7 +262,7 @@ TEST_F(SqliteStoreTest, ADatabaseOfAnotherProgramIsRefused) {
 
 TEST_F(SqliteStoreTest, AStoreOfAnotherVersionIsRefused) {
     SqliteStore(options).registerClient(pump);
-    for (const char* version : {"1", "2", "4"}) {
+    for (const char* version : {"1", "2", "3", "5"}) {
         SQLite::Database(options.path, SQLite::OPEN_READWRITE)
             .exec(std::string("PRAGMA user_version = ") + version);
         EXPECT_EQ(refusalToOpen(),

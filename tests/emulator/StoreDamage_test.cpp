@@ -82,6 +82,13 @@ protected:
                "': the file is damaged. Check the disk. To go on without what "
                "is queued, unregister the client and register it again.";
     }
+    std::string notPut(int number) const {
+        return "Event " + std::to_string(number) + " of the event store '" +
+               options.path +
+               "' is not what was put: the file is damaged. Check the disk. "
+               "To go on without what is queued, unregister the client and "
+               "register it again.";
+    }
     std::string notWritten(const std::string& what) const {
         return "What the event store '" + options.path + "' keeps of " + what +
                " is not what was written: the file is damaged. Check the disk. "
@@ -205,10 +212,38 @@ TEST_F(StoreDamage, ASenderIsNotTakenPastEventsThatWereAltered) {
     alter({"UPDATE event SET sender = x'70756D70' WHERE number = 4"});
     store.putEvents(pump, "5");
     EXPECT_EQ(refusal([](SqliteStore& again) { again.getEvents(pump); }),
-              "Event 4 of the event store '" + options.path +
-                  "' is not what was put: the file is damaged. Check the "
-                  "disk. To go on without what is queued, unregister the "
-                  "client and register it again.");
+              notPut(4));
+}
+
+TEST_F(StoreDamage, WhereAnEventBeganAndWhenItWasPutIsKnown) {
+    for (const char* change : {"start = start + 1", "time = time - 1"}) {
+        alter(
+            {std::string("UPDATE event SET ") + change + " WHERE number = 2"});
+        EXPECT_EQ(refusalToGet(), notPut(2)) << change;
+        alterAndSeal({});
+    }
+    EXPECT_EQ(refusalToGet(), "no refusal");
+}
+
+TEST_F(StoreDamage, ALimitIsNotTakenFromRowsThatWereAltered) {
+    options.limits.bytes = 100;
+    options.limits.seconds = 100;
+    const auto refusalToPut = [this] {
+        return refusal([](SqliteStore& store) { store.putEvents(pump, "4"); });
+    };
+    for (const char* change : {"start = start - 1000", "time = time - 1000",
+                               "start = -9223372036854775807"}) {
+        alter(
+            {std::string("UPDATE event SET ") + change + " WHERE number = 2"});
+        EXPECT_EQ(refusalToPut(), notPut(2)) << change;
+        alterAndSeal(
+            {"UPDATE event SET start = 1, time = unixepoch() WHERE number = "
+             "2"});
+    }
+    alter({"UPDATE client SET cursor = 0 WHERE name = x'76616C7665'"});
+    EXPECT_EQ(refusalToPut(), ofValve);
+    alterAndSeal({"UPDATE client SET cursor = 1 WHERE name = x'76616C7665'"});
+    EXPECT_EQ(refusalToPut(), "no refusal");
 }
 
 TEST_F(StoreDamage, ANumberThatIsTakenAlreadyIsDamage) {
@@ -216,6 +251,8 @@ TEST_F(StoreDamage, ANumberThatIsTakenAlreadyIsDamage) {
     EXPECT_EQ(refusal([](SqliteStore& store) { store.putEvents(valve, "4"); }),
               "The event store '" + options.path +
                   "' is damaged or not a store (UNIQUE constraint failed: "
-                  "event.server, event.number). Move the file away, or set "
+                  "event.server, event.number). Check the disk. Put a copy of "
+                  "the store back, or move the file and its gate away to begin "
+                  "with an empty one. If the file is something else, set "
                   "OVMEM_STORE to another one.");
 }

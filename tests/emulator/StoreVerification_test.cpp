@@ -107,8 +107,11 @@ TEST_F(StoreVerification, RefusesAFileThatIsNoDatabase) {
     std::ofstream(options.path) << std::string(8192, 'x');
     EXPECT_EQ(refusal(), "The event store '" + options.path +
                              "' is damaged or not a store (file is not a "
-                             "database). Move the file away, or set "
-                             "OVMEM_STORE to another one.");
+                             "database). Check the disk. Put a copy of the "
+                             "store back, or move the file and its gate away "
+                             "to begin with an empty one. If the file is "
+                             "something else, set OVMEM_STORE to another "
+                             "one.");
 }
 
 TEST_F(StoreVerification, FindsATableOfAnotherProgram) {
@@ -186,6 +189,33 @@ TEST_F(StoreVerification, FindsACursorWhereNoEventCanBe) {
                             "Event 0 of the server 'office' is missing."));
 }
 
+TEST_F(StoreVerification, TakesNoNumberForOneThatCanBeCountedOn) {
+    alter(
+        "UPDATE client SET cursor = 9223372036854775807 "
+        "WHERE name = x'7072696E746572'");
+    alter("UPDATE server SET next = -9223372036854775808 WHERE id = 2");
+    EXPECT_THAT(findings(),
+                ElementsAre("What is kept of the server 'office' is not what "
+                            "was written.",
+                            "What is kept of the client 'printer' of the "
+                            "server 'office' is not what was written.",
+                            "The cursor of the client 'printer' of the server "
+                            "'office' is at event 9223372036854775807, but the "
+                            "last one is event -9223372036854775808."));
+}
+
+TEST_F(StoreVerification, FindsAnEventWithTheLastOfAllNumbers) {
+    alter("UPDATE event SET number = 9223372036854775807 WHERE number = 6");
+    EXPECT_THAT(findings(),
+                ElementsAre("Event 9223372036854775807 of the server 'plant', "
+                            "put by 'pump', is not what was put.",
+                            "Event 9223372036854775807 of the server 'plant', "
+                            "put by 'pump', cannot be: the last one is event "
+                            "6.",
+                            "Events 6 to 9223372036854775806 of the server "
+                            "'plant' are missing."));
+}
+
 TEST_F(StoreVerification, FindsAClientThatIsMissing) {
     alter("DELETE FROM client WHERE name = x'76616C7665'");
     EXPECT_THAT(findings(),
@@ -196,9 +226,15 @@ TEST_F(StoreVerification, FindsAClientThatIsMissing) {
 
 TEST_F(StoreVerification, FindsEveryEventThatWasAltered) {
     alter("UPDATE event SET body = x'37' WHERE number = 4");
+    alter("UPDATE event SET start = start + 1 WHERE number = 3");
+    alter("UPDATE event SET time = time - 1 WHERE number = 5");
     alter("UPDATE event SET sender = x'76616C7665' WHERE number = 6");
     EXPECT_THAT(findings(),
-                ElementsAre("Event 4 of the server 'plant', put by 'pump', is "
+                ElementsAre("Event 3 of the server 'plant', put by 'pump', is "
+                            "not what was put.",
+                            "Event 4 of the server 'plant', put by 'pump', is "
+                            "not what was put.",
+                            "Event 5 of the server 'plant', put by 'pump', is "
                             "not what was put.",
                             "Event 6 of the server 'plant', put by 'valve', "
                             "is not what was put."));
