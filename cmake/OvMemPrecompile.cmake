@@ -1,6 +1,6 @@
 # ovmem_precompile(<target>): half the time that a source takes to compile goes into
 # the standard library. Off where the compiler is to notice that a file forgot an
-# include; clang-tidy, which has the headers themselves, notices it too.
+# include.
 option(OVMEM_PRECOMPILE
   "Precompile the headers of the standard library that most sources include" OFF)
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "emulator/store/LockHolder.h"
+#include "emulator/store/NamedFile.h"
 #include "emulator/store/StoreError.h"
 #include "emulator/store/SystemAdvice.h"
 
@@ -160,11 +161,7 @@ Gate::~Gate() {
 }
 
 bool Gate::hasItsName() const noexcept {
-    struct stat held {};
-    struct stat named {};
-    return file >= 0 && ::fstat(file, &held) == 0 &&
-           ::lstat(name.c_str(), &named) == 0 && held.st_dev == named.st_dev &&
-           held.st_ino == named.st_ino;
+    return bearsName(file, name);
 }
 
 bool Gate::hasWaiters() const noexcept {

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "emulator/store/LockHolder.h"
+#include "emulator/store/NamedFile.h"
 #include "emulator/store/StoreError.h"
 #include "emulator/store/SystemAdvice.h"
 #include "emulator/store/TextDigest.h"
@@ -94,7 +95,7 @@ std::string LeaseFile::pathOf(const std::string& database,
 LeaseFile::LeaseFile(const SqliteOptions& options, const Identity& caller,
                      Deadline deadline, const void* store)
     : path(pathOf(options.path, caller)),
-      mode(options.access == Access::group ? 0660 : 0600),
+      mode(fileRights(options.access)),
       limit(options.lease) {
     OpenLeases& leases = OpenLeases::instance();
     {
@@ -195,7 +196,7 @@ LeaseFile::Attempt LeaseFile::lockNamed() {
         if (!right.isHad()) {
             return Attempt::busy;
         }
-        if (bearsName()) {
+        if (bearsName(file, path)) {
             if (::futimens(file, nullptr) != 0) {
                 throw leaseError(path, errno);
             }
@@ -213,7 +214,8 @@ LeaseFile::Attempt LeaseFile::removeExpired() {
         if (!right.isHad()) {
             return Attempt::busy;
         }
-        if (bearsName() && isExpired() && ::unlink(path.c_str()) != 0) {
+        if (bearsName(file, path) && isExpired() &&
+            ::unlink(path.c_str()) != 0) {
             throw leaseError(path, errno);
         }
     }
@@ -239,13 +241,6 @@ bool LeaseFile::isExpired() const noexcept {
     return age > limit || age < -limit;
 }
 
-bool LeaseFile::bearsName() const noexcept {
-    struct stat own {};
-    struct stat named {};
-    return ::fstat(file, &own) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
-}
-
 void LeaseFile::close() noexcept {
     ::close(file);
     file = -1;
@@ -258,7 +253,7 @@ void LeaseFile::end() noexcept {
     }
     if (held) {
         const NameRight right(file);
-        if (right.isHad() && bearsName()) {
+        if (right.isHad() && bearsName(file, path)) {
             ::unlink(path.c_str());
         }
     }

@@ -48,7 +48,6 @@ private:
     Attempt removeExpired();
     void requireOwnFile() const;
     bool isExpired() const noexcept;
-    bool bearsName() const noexcept;
     void close() noexcept;
 
     void end() noexcept override;

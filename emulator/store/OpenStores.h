@@ -14,7 +14,8 @@ namespace Orvane::Net::OvModelEventManager::Emulator {
 // threads. The store opens its files again when it needs them.
 class OpenStore {
 public:
-    // Closes everything at once, without waiting for anybody.
+    // Closes everything at once. Waits for others a moment at most, and only if
+    // something would be lost.
     virtual void closeNow() noexcept = 0;
 
     // Closes everything, and tidies up if that takes no long wait.

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include <sys/types.h>
+
 #include "emulator/store/EventStore.h"
 #include "emulator/store/Lease.h"
 #include "emulator/store/QueueLimits.h"
@@ -22,6 +24,11 @@ enum class Access {
     owner,  // files 0600, folders 0700
     group   // files 0660, folders 02770: a new file is of the folder's group
 };
+
+// Of the files of a store.
+constexpr mode_t fileRights(Access access) {
+    return access == Access::group ? 0660 : 0600;
+}
 
 struct SqliteOptions {
     std::string path;

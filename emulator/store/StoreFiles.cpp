@@ -140,7 +140,7 @@ StoreFiles::StoreFiles(const SqliteOptions& options)
       access(options.access) {}
 
 mode_t StoreFiles::fileMode() const {
-    return access == Access::group ? 0660 : 0600;
+    return fileRights(access);
 }
 
 bool StoreFiles::exist() const {

@@ -33,6 +33,13 @@ protected:
                std::to_string(manyEvents.size()) + " bytes) were written.\n";
     }
 
+    std::string savedWithoutReader() const {
+        return "ovmem: input/output: Cannot write the events to standard "
+               "output: Broken pipe; it has taken 65536 of " +
+               std::to_string(manyEvents.size()) + " bytes.\n" +
+               saved(manyEvents, savedFile(manyEvents));
+    }
+
     std::string cut(const std::string& name) const {
         return "ovmem: stopped: Stopped by " + name +
                "; standard output has taken 65536 of " +
@@ -228,12 +235,7 @@ TEST_F(Stopping, AReaderThatGoesAfterTheSignalLeavesTheEventsSaved) {
     running.signal(SIGTERM);
     running.closeOutput();
     const Outcome outcome = running.waitForEnd();
-    EXPECT_EQ(outcome,
-              (Outcome{143, "",
-                       "ovmem: input/output: Cannot write the events to "
-                       "standard output: Broken pipe; it has taken 65536 of " +
-                           std::to_string(manyEvents.size()) + " bytes.\n" +
-                           saved(manyEvents, savedFile(manyEvents))}));
+    EXPECT_EQ(outcome, (Outcome{143, "", savedWithoutReader()}));
 }
 
 TEST_F(Stopping, ASignalWhileSavingWaitsUntilItIsSaved) {
@@ -362,12 +364,7 @@ TEST_F(Stopping, TheGraceBeginsAgainWithSaving) {
     running.waitUntil([&] { return Clock::now() > end; });
     goOn();
     const Outcome outcome = running.waitForEnd();
-    EXPECT_EQ(outcome,
-              (Outcome{143, "",
-                       "ovmem: input/output: Cannot write the events to "
-                       "standard output: Broken pipe; it has taken 65536 of " +
-                           std::to_string(manyEvents.size()) + " bytes.\n" +
-                           saved(manyEvents, savedFile(manyEvents))}));
+    EXPECT_EQ(outcome, (Outcome{143, "", savedWithoutReader()}));
 }
 
 TEST_F(Stopping, TheEndOfTheGraceDoesNotKeepTheReportBack) {
